@@ -1,0 +1,77 @@
+// SPDX-License-Identifier: MIT
+// What each array type is: its payload message, its element type, its class name.
+#ifndef ORB_ARRAY_PAYLOAD_H_
+#define ORB_ARRAY_PAYLOAD_H_
+
+#include <cstdint>
+
+#include "orb.client.KALDEXArray.pb.h"
+
+namespace orb {
+
+using client::KALDEX_Array;
+using QXType = KALDEX_Array::QXType;
+
+/// The payload of a dense type T: `Native` is the element as callers see it; `of` reads
+/// the payload, the empty default one when absent; `in` makes it present.
+template <QXType T>
+struct Payload;
+
+#define ORB_PAYLOAD(TYPE, Message, field, Element)                                      \
+  template <>                                                                           \
+  struct Payload<KALDEX_Array::TYPE> {                                                  \
+    using Native = Element;                                                             \
+    static const KALDEX_Array::Message& of(const KALDEX_Array& a) { return a.field(); } \
+    static KALDEX_Array::Message& in(KALDEX_Array& a) { return *a.mutable_##field(); }  \
+  }
+
+ORB_PAYLOAD(UINT8, Uint8, uint8, uint8_t);
+ORB_PAYLOAD(INT8, Int8, int8, int8_t);
+ORB_PAYLOAD(UINT16, Uint16, uint16, uint16_t);
+ORB_PAYLOAD(INT16, Int16, int16, int16_t);
+ORB_PAYLOAD(UINT32, Uint32, uint32, uint32_t);
+ORB_PAYLOAD(INT32, Int32, int32, int32_t);
+ORB_PAYLOAD(UINT64, Uint64, uint64, uint64_t);
+ORB_PAYLOAD(INT64, Int64, int64, int64_t);
+ORB_PAYLOAD(SINGLE, Single, single, float);
+ORB_PAYLOAD(DOUBLE, Double, qxdouble, double);
+ORB_PAYLOAD(LOGICAL, Logical, logical, bool);
+ORB_PAYLOAD(CHAR, Char, qxchar, char16_t);
+
+#undef ORB_PAYLOAD
+
+template <QXType T>
+using NativeElement = typename Payload<T>::Native;
+
+template <QXType T>
+inline constexpr bool kIsNumeric = T <= KALDEX_Array::DOUBLE;
+
+/// Types whose payload is a byte string; the other dense types have a list of elements.
+template <QXType T>
+inline constexpr bool kIsBytes = T == KALDEX_Array::UINT8 || T == KALDEX_Array::INT8;
+
+/// The class name of a type up to CELL.
+constexpr const char* className(QXType type) {
+  constexpr const char* kNames[] = {"uint8",   "int8",   "uint16", "int16",  "uint32",
+                                    "int32",   "uint64", "int64",  "single", "double",
+                                    "logical", "char",   "struct", "cell"};
+  return kNames[type];
+}
+
+/// Whether a sparse array stores logical values. Every type a server may send that is not
+/// DOUBLE stores them as logicals.
+inline bool storesLogicals(const KALDEX_Array::Sparse& sparse) {
+  return sparse.type() != KALDEX_Array::Sparse::DOUBLE;
+}
+
+/// Makes a fresh message the value that a never-set cell or field reads as: a 0-by-0
+/// double.
+inline void makeEmptySlot(KALDEX_Array& message) {
+  message.set_type(KALDEX_Array::DOUBLE);
+  message.add_dimension(0);
+  message.add_dimension(0);
+}
+
+}  // namespace orb
+
+#endif  // ORB_ARRAY_PAYLOAD_H_

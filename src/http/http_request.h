@@ -1,0 +1,31 @@
+// SPDX-License-Identifier: MIT
+#ifndef ORB_HTTP_HTTP_REQUEST_H_
+#define ORB_HTTP_HTTP_REQUEST_H_
+
+#include <string>
+#include <vector>
+
+#include "http/curl_handle.h"
+#include "http/qx_client.h"
+
+namespace orb {
+
+/// One POST over the client's libcurl handle. Options set on the handle stay on it, so
+/// every request sets all that are its own.
+class HttpRequest : public Request {
+ public:
+  HttpRequest(CurlHandle handle, const std::string& url, uint32_t responseSizeLimit);
+
+  void setBody(const void* data, uint64_t length) override;
+  std::unique_ptr<Response> perform() override;
+
+ private:
+  CurlHandle handle_;
+  std::string url_;
+  std::vector<std::string> headers_;
+  uint32_t responseSizeLimit_;  // bytes
+};
+
+}  // namespace orb
+
+#endif  // ORB_HTTP_HTTP_REQUEST_H_

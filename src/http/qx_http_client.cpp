@@ -1,0 +1,62 @@
+// SPDX-License-Identifier: MIT
+#include "http/qx_http_client.h"
+
+#include <algorithm>
+#include <stdexcept>
+
+#include "http/curl_handle.h"
+#include "http/http_request.h"
+
+namespace orb {
+namespace {
+
+// libcurl counts milliseconds in 31 bits and refuses what does not fit. A caller who asks
+// for longer means a time-out that is never in the way, and gets the longest there is.
+constexpr uint64_t kLongestTimeoutSec = 2147483;
+
+CurlHandle newHandle() {
+  void* handle = curl_easy_init();
+  if (handle == nullptr) throw std::runtime_error(curl_easy_strerror(CURLE_FAILED_INIT));
+  return CurlHandle(handle, CURLDeleter());
+}
+
+/// "" leaves libcurl's own default in force.
+void setText(const CurlHandle& handle, CURLoption option, const char* text) {
+  if (*text != '\0') setOption(handle, option, text);
+}
+
+}  // namespace
+
+QXHttpClient::QXHttpClient(const QXClientConfig& config)
+    : config_(config), handle_(newHandle()) {
+  applyConfig();
+}
+
+void QXHttpClient::applyConfig() {
+  setOption(handle_, CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_1_1));
+  setOption(handle_, CURLOPT_TIMEOUT,
+            static_cast<long>(std::min(config_.getTimeoutSec(), kLongestTimeoutSec)));
+  setText(handle_, CURLOPT_SSLCERT, config_.getClientCertFile());
+  setText(handle_, CURLOPT_SSLKEY, config_.getClientPrivateKeyFile());
+  setText(handle_, CURLOPT_KEYPASSWD, config_.getClientPrivateKeyPassword());
+  setText(handle_, CURLOPT_CAINFO, config_.getServerCertFile());
+  setText(handle_, CURLOPT_CRLFILE, config_.getCRLFile());
+  // 2 checks the name; 1 is an old debugging value that libcurl treats as an error or
+  // as 2.
+  setOption(handle_, CURLOPT_SSL_VERIFYHOST, config_.getVerifyHost() ? 2L : 0L);
+  setOption(handle_, CURLOPT_SSL_VERIFYPEER, config_.getVerifyPeer() ? 1L : 0L);
+}
+
+std::unique_ptr<Request> QXHttpClient::createRequest(const std::string& url) {
+  return std::make_unique<HttpRequest>(handle_, url, config_.getResponseSizeLimit());
+}
+
+void QXHttpClient::initializeGlobally() {
+  if (curl_global_init(CURL_GLOBAL_ALL) != CURLE_OK) {
+    throw std::runtime_error("Global initialization of QXHttpClient failed");
+  }
+}
+
+void QXHttpClient::cleanUpGlobally() { curl_global_cleanup(); }
+
+}  // namespace orb
