@@ -3,6 +3,7 @@
 option(ORB_BUILD_TOOLS "Build the local function server" ON)
 option(ORB_BUILD_EXAMPLES "Build the example programs" ON)
 option(ORB_BUILD_TESTS "Build the tests; they run the tools and the examples" OFF)
+option(ORB_BUILD_BENCHMARKS "Build what scripts/bench runs" OFF)
 option(ORB_WARNINGS_AS_ERRORS "Stop at a compiler warning" OFF)
 set(ORB_SANITIZE "" CACHE STRING "Sanitizers, as -fsanitize takes them (address,undefined)")
 option(ORB_COVERAGE "Count executed lines and branches" OFF)

@@ -1,0 +1,2 @@
+# SPDX-License-Identifier: MIT
+"""Runs the measurements of bench/ and reports them."""

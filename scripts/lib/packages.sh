@@ -1,0 +1,37 @@
+# shellcheck shell=bash
+# SPDX-License-Identifier: MIT
+# The Debian packages that the scripts need, and how they come onto the machine.
+# shellcheck disable=SC2034  # the scripts that source this file choose among the lists
+
+build_packages=(
+  g++ cmake ninja-build pkg-config protobuf-compiler libprotobuf-dev libcurl4-openssl-dev
+  libboost-dev libcpp-httplib-dev libeigen3-dev
+)
+test_packages=(
+  libgtest-dev libgmock-dev libssl-dev openssl python3 python3-protobuf nginx-light haproxy
+)
+coverage_packages=(gcovr)
+
+isInstalled() {
+  [[ $(dpkg-query -W -f '${db:Status-Status}' "$1" 2>/dev/null) == installed ]]
+}
+
+aptInstall() {
+  export DEBIAN_FRONTEND=noninteractive
+  apt-get update && apt-get install -y --no-install-recommends "$@"
+}
+
+# Installs those of the given packages that are missing; only root can.
+requirePackages() {
+  local package missing=()
+  for package in "$@"; do
+    isInstalled "$package" || missing+=("$package")
+  done
+  ((${#missing[@]})) || return 0
+  if ((EUID != 0)); then
+    echo "Some packages are missing. As root, install them first:" >&2
+    echo "  apt-get install --no-install-recommends ${missing[*]}" >&2
+    exit 1
+  fi
+  step "Installing ${#missing[@]} packages" aptInstall "${missing[@]}"
+}

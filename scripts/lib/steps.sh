@@ -1,0 +1,25 @@
+# shellcheck shell=bash
+# SPDX-License-Identifier: MIT
+# The steps that the scripts share. The current folder is the top of the checkout.
+
+# Runs a command whose output is of interest only when it fails.
+step() {
+  local title=$1 start=$SECONDS output
+  shift
+  printf '%s ... ' "$title"
+  if ! output=$("$@" 2>&1); then
+    echo failed
+    echo "$output" >&2
+    exit 1
+  fi
+  echo "done ($((SECONDS - start)) s)"
+}
+
+# Builds everything that a preset builds.
+buildPreset() {
+  if command -v ccache >/dev/null; then
+    export CMAKE_C_COMPILER_LAUNCHER=ccache CMAKE_CXX_COMPILER_LAUNCHER=ccache
+  fi
+  step "Configuring build/$1" cmake --preset "$1"
+  step "Building build/$1 (minutes the first time)" cmake --build --preset "$1"
+}
