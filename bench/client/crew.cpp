@@ -26,11 +26,15 @@ std::vector<int64_t> timeCalls(Contender& contender, size_t calls, bool read,
 
 }  // namespace
 
-Crew::Crew(const Endpoint& endpoint, const std::string& workloadName, size_t size)
-    : contenders_(size) {
+Crew::Crew(size_t size) : contenders_(size) {
   for (size_t member = 1; member < size; ++member) {
     threads_.emplace_back([this, member] { serveJobs(member); });
   }
+}
+
+// The threads exist before anything can fail: the destructor ends them in either case.
+Crew::Crew(const Endpoint& endpoint, const std::string& workloadName, size_t size)
+    : Crew(size) {
   const Workload warmUp = workloadNamed(kWarmUp);
   const Workload workload = workloadNamed(workloadName);
   runOnAll([&](size_t member) {

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <exception>
 #include <functional>
+#include <memory>
 #include <mutex>
 #include <string>
 #include <thread>
@@ -35,6 +36,8 @@ class Crew {
   Round run(size_t callsEach, bool read);
 
  private:
+  explicit Crew(size_t size);
+
   using Job = std::function<void(size_t member)>;
 
   void runOnAll(const Job& job);

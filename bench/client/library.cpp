@@ -40,7 +40,11 @@ class Library : public Contender {
     orbArray output = nullptr;
     const orbArray input = input_.get();
     if (runtime().feval(context_, url_.c_str(), 1, &output, 1, &input) != ORB_OK) {
-      throw std::runtime_error("feval");
+      orbErrorInfo info;
+      runtime().getLastErrorInfo(context_, &info);
+      const std::string reason = info.message;
+      runtime().destroyLastErrorInfo(&info);
+      throw std::runtime_error(reason);
     }
     output_.reset(output);
   }

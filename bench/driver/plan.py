@@ -25,7 +25,7 @@ CONTENDERS = (
 )
 QUICK_CONTENDERS = (BASE, LIBRARY, "grpc")
 
-# The floors read bytes, the others arrays: what they add up agrees among their likes only.
+# The floors read bytes, the others arrays: each agrees with its likes only.
 FLOORS = ("f0", "f1", "f1_kept")
 
 
@@ -69,34 +69,68 @@ WORKLOADS = (
     Subject("sparse-10000x10000", "sparse, 500,000 stored"),
 )
 
-DOUBLE_GROWTH = (
-    SCALAR,
-    Subject("double-10x1", "80 B"),
-    Subject("double-100x1", "800 B"),
-    Subject("double-10x100", "8 kB"),
-    DOUBLE_100,
-    Subject("double-100x1000", "800 kB"),
-    DOUBLE_1000,
-    DOUBLE_2500,
-)
-CELL_GROWTH = tuple(
-    Subject(f"cell-{count}x1", f"{count:,} cells") for count in (1, 10, 100, 1000, 10000)
-) + (CELLS,)
-CONTEXT_GROWTH = (DOUBLE_100,) + tuple(
-    Subject(DOUBLE_100.workload, f"{threads} contexts", threads=threads)
-    for threads in (2, 4, 8, 16, 32, 64)
+@dataclass(frozen=True)
+class Growth:
+    """How the cost grows with one quantity."""
+
+    name: str
+    title: str
+    subtitle: str
+    metric: str
+    points: tuple[tuple[int, str, Subject], ...]  # quantity, label, what is measured
+
+
+def double_point(m, n, label):
+    return 8 * m * n, label, Subject(f"double-{m}x{n}", f"doubles {m}×{n}")
+
+
+def cell_point(count):
+    return count, f"{count:,}", Subject(f"cell-{count}x1", f"{count:,} cells")
+
+
+def context_point(count):
+    return count, str(count), Subject("double-100x100", f"{count} contexts", count)
+
+
+GROWTHS = (
+    Growth(
+        "growth-doubles",
+        "Doubles: client CPU per call",
+        "By the bytes of the matrix; lower is better",
+        "cpu_ns",
+        (
+            double_point(1, 1, "8 B"),
+            double_point(10, 1, "80 B"),
+            double_point(100, 1, "800 B"),
+            double_point(10, 100, "8 kB"),
+            double_point(100, 100, "80 kB"),
+            double_point(100, 1000, "800 kB"),
+            double_point(1000, 1000, "8 MB"),
+            double_point(2500, 2500, "50 MB"),
+        ),
+    ),
+    Growth(
+        "growth-cells",
+        "Cells: client CPU per call",
+        "By the number of cells, each a 1×1 double; lower is better",
+        "cpu_ns",
+        tuple(cell_point(10**power) for power in range(6)),
+    ),
+    Growth(
+        "growth-contexts",
+        "Contexts: calls per second, doubles 100×100",
+        "By the number of contexts, each on a thread of its own; higher is better",
+        "calls_per_second",
+        tuple(context_point(2**power) for power in range(7)),
+    ),
 )
 
 # Each subject has twice the cells, or twice the fields, of the one before it.
 DOUBLINGS = (
+    tuple(cell_point(count)[2] for count in (12500, 25000, 50000, 100000)),
     tuple(
-        Subject(f"cell-{count}x1", f"{count:,} cells") for count in (12500, 25000, 50000)
-    )
-    + (CELLS,),
-    (
-        Subject("struct-10000x5", "10,000×5"),
-        STRUCT,
-        Subject("struct-10000x20", "10,000×20"),
+        Subject(f"struct-10000x{fields}", f"10,000×{fields} struct")
+        for fields in (5, 10, 20)
     ),
 )
 

@@ -6,9 +6,10 @@ BIG_PAYLOAD_BYTES = 500_000  # below it, what a call adds is not the payload's d
 
 
 def drawn(results):
-    """The contenders that were measured."""
+    """The contenders that were measured; the library comes last, above the others."""
     keys = results[plan.SCALAR.key]["contenders"]
-    return [contender for contender in plan.CONTENDERS if contender.key in keys]
+    contenders = [contender for contender in plan.CONTENDERS if contender.key in keys]
+    return sorted(contenders, key=lambda contender: contender.key == plan.LIBRARY)
 
 
 def entries(contenders):
@@ -61,66 +62,24 @@ def memory_chart(results):
     )
 
 
-def growth_chart(results, subjects, title, subtitle, x_of, x_label, metric, y_text):
+def growth_chart(results, growth):
     series = []
     for contender in drawn(results):
         points = []
-        for subject in subjects:
+        for quantity, _, subject in growth.points:
             measured = results[subject.key]["contenders"][contender.key]["call"]
-            points.append((x_of(subject), measured[metric]["median"]))
+            points.append((quantity, measured[growth.metric]["median"]))
         series.append((contender.title, contender.colour, points))
-    x_ticks = [(x_of(subject), x_label(subject)) for subject in subjects]
-    return svg.lines(title, subtitle, series, x_ticks, y_text)
-
-
-def payload_label(count):
-    for unit, size in (("MB", 1e6), ("kB", 1e3)):
-        if count >= size:
-            return f"{count / size:g} {unit}"
-    return f"{count} B"
+    x_ticks = [(quantity, label) for quantity, label, _ in growth.points]
+    write = tables.METRIC_TEXTS[growth.metric]
+    return svg.lines(growth.title, growth.subtitle, series, x_ticks, write)
 
 
 def charts(results):
-    """SVG texts by file name."""
-
-    def payload(subject):
-        return results[subject.key]["payload_bytes"]
-
-    def cells(subject):
-        return int(subject.workload.removeprefix("cell-").removesuffix("x1"))
-
+    """SVG texts by name."""
     return {
-        "cpu.svg": ratio_chart(results, "cpu_ns", "Client CPU per call"),
-        "time.svg": ratio_chart(results, "time_ns", "Time per call"),
-        "memory.svg": memory_chart(results),
-        "growth-doubles.svg": growth_chart(
-            results,
-            plan.DOUBLE_GROWTH,
-            "Doubles: client CPU per call",
-            "By the bytes of the matrix; lower is better",
-            payload,
-            lambda subject: payload_label(payload(subject)),
-            "cpu_ns",
-            tables.duration,
-        ),
-        "growth-cells.svg": growth_chart(
-            results,
-            plan.CELL_GROWTH,
-            "Cells: client CPU per call",
-            "By the number of cells, each a 1×1 double; lower is better",
-            cells,
-            lambda subject: f"{cells(subject):,}",
-            "cpu_ns",
-            tables.duration,
-        ),
-        "contexts.svg": growth_chart(
-            results,
-            plan.CONTEXT_GROWTH,
-            "Contexts on threads: calls per second, doubles 100×100",
-            "By the number of contexts, each on a thread of its own; higher is better",
-            lambda subject: subject.threads,
-            lambda subject: str(subject.threads),
-            "calls_per_second",
-            lambda value: f"{value:,.0f}",
-        ),
+        "cpu": ratio_chart(results, "cpu_ns", "Client CPU per call"),
+        "time": ratio_chart(results, "time_ns", "Time per call"),
+        "memory": memory_chart(results),
+        **{growth.name: growth_chart(results, growth) for growth in plan.GROWTHS},
     }

@@ -105,8 +105,8 @@ def apart(positions, distance):
 
 
 def lines(title, subtitle, series, x_ticks, y_tick_text):
-    """`series` are triples of name, colour and points (x, y); `x_ticks` are pairs of x and
-    label. Both scales are logarithmic."""
+    """`series` are triples of name, colour and points (x, y); `x_ticks` are pairs of x
+    and label. Both scales are logarithmic."""
     left, right, top, bottom, width, height = 80, 170, 74, 430, 900, 480
     xs = [x for x, _ in x_ticks]
     low, high = math.log(min(xs)), math.log(max(xs))

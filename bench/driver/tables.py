@@ -9,7 +9,7 @@ MODE_TITLES = {"call": "Call", "read": "Call, and read everything that came back
 def table(header, rows):
     lines = ["| " + " | ".join(header) + " |", "|" + "---|" * len(header)]
     lines += ["| " + " | ".join(row) + " |" for row in rows]
-    return "\n".join(lines) + "\n"
+    return "\n".join(lines)
 
 
 def duration(ns):
@@ -26,6 +26,9 @@ def megabytes(count):
 def number(value):
     decimals = 0 if value >= 100 else 1 if value >= 10 else 2
     return f"{value:,.{decimals}f}"
+
+
+METRIC_TEXTS = {"cpu_ns": duration, "calls_per_second": number}
 
 
 def with_spread(values):
@@ -122,20 +125,15 @@ def subject_table(result, mode):
     return table(header, rows)
 
 
-def growth_table(subjects, results):
-    keys = list(results[subjects[0].key]["contenders"])
-    header = ["client CPU per call"] + [TITLES[key] for key in keys]
+def growth_table(growth, results):
+    write = METRIC_TEXTS[growth.metric]
+    keys = list(results[growth.points[0][2].key]["contenders"])
     rows = []
-    for subject in subjects:
+    for _, label, subject in growth.points:
         contenders = results[subject.key]["contenders"]
-        row = [
-            duration(contenders[key]["call"]["cpu_ns"]["median"])
-            if key in contenders
-            else "–"
-            for key in keys
-        ]
-        rows.append([subject.title] + row)
-    return table(header, rows)
+        medians = [contenders[key]["call"][growth.metric]["median"] for key in keys]
+        rows.append([label] + [write(value) for value in medians])
+    return table([""] + [TITLES[key] for key in keys], rows)
 
 
 def doublings_table(results):
@@ -190,16 +188,13 @@ def report(machine, results, micro, instructions):
             parts.append(f"### {subject.title}: {title.lower()}")
             parts.append(subject_table(results[subject.key], mode))
     parts += ["## Growth"]
-    for subjects, plot in (
-        (plan.DOUBLE_GROWTH, "growth-doubles.svg"),
-        (plan.CELL_GROWTH, "growth-cells.svg"),
-        (plan.CONTEXT_GROWTH, "contexts.svg"),
-    ):
-        parts.append(f"![{plot.removesuffix('.svg')}]({plot})")
-        parts.append(growth_table(subjects, results))
-    parts += ["Cost of twice as much:", doublings_table(results)]
+    for growth in plan.GROWTHS:
+        parts.append(f"### {growth.title}")
+        parts.append(f"![{growth.title}]({growth.name}.svg)")
+        parts.append(growth_table(growth, results))
+    parts += ["### Cost of twice as much", doublings_table(results)]
     if micro:
         parts += ["## Parts of a call, without transport", micro_table(micro)]
     if instructions:
         parts += ["## Instructions", instructions_table(*instructions)]
-    return "\n\n".join(parts)
+    return "\n\n".join(parts) + "\n"

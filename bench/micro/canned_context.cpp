@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "micro/canned_context.h"
 
+#include <memory>
 #include <stdexcept>
 #include <utility>
 

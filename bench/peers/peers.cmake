@@ -2,8 +2,8 @@
 # The contenders from outside. One whose packages are not installed is left out.
 
 #   bench_peer(<name> SOURCES <file>... LIBRARIES <target>...)
-# Makes client and server of a peer from client/<name>.cpp, server/<name>.cpp and what both
-# share.
+# Makes client and server of a peer from client/<name>.cpp, server/<name>.cpp and what
+# both share.
 function(bench_peer name)
   cmake_parse_arguments(PARSE_ARGV 1 peer "" "" "SOURCES;LIBRARIES")
   add_library(bench_peer_${name} STATIC ${peer_SOURCES})
@@ -33,7 +33,7 @@ if(GRPC_FOUND AND GRPC_CPP_PLUGIN)
   bench_peer(grpc SOURCES ${grpc_sources}
                   LIBRARIES PkgConfig::GRPC protobuf::libprotobuf)
 else()
-  message(STATUS "Benchmark without gRPC: libgrpc++-dev or protobuf-compiler-grpc missing")
+  message(STATUS "Benchmark without gRPC: install libgrpc++-dev protobuf-compiler-grpc")
 endif()
 
 pkg_check_modules(CAPNP IMPORTED_TARGET capnp-rpc)
@@ -52,7 +52,7 @@ if(CAPNP_FOUND AND CAPNP_COMPILER)
   set_source_files_properties(server/capnp.cpp PROPERTIES
     COMPILE_OPTIONS -Wno-non-virtual-dtor)
 else()
-  message(STATUS "Benchmark without Cap'n Proto: libcapnp-dev or capnproto missing")
+  message(STATUS "Benchmark without Cap'n Proto: install libcapnp-dev capnproto")
 endif()
 
 pkg_check_modules(THRIFT IMPORTED_TARGET thrift)
@@ -68,7 +68,7 @@ if(THRIFT_FOUND AND THRIFT_COMPILER)
     VERBATIM)
   bench_peer(thrift SOURCES ${thrift_sources} LIBRARIES PkgConfig::THRIFT)
 else()
-  message(STATUS "Benchmark without Thrift: libthrift-dev or thrift-compiler missing")
+  message(STATUS "Benchmark without Thrift: install libthrift-dev thrift-compiler")
 endif()
 
 pkg_check_modules(RAPIDJSON IMPORTED_TARGET RapidJSON)
@@ -76,5 +76,5 @@ if(RAPIDJSON_FOUND)
   bench_peer(json SOURCES client/curl_post.cpp peers/json_value.cpp
                   LIBRARIES bench_common PkgConfig::RAPIDJSON CURL::libcurl)
 else()
-  message(STATUS "Benchmark without JSON: rapidjson-dev missing")
+  message(STATUS "Benchmark without JSON: install rapidjson-dev")
 endif()

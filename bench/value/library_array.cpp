@@ -2,6 +2,8 @@
 #include "value/library_array.h"
 
 #include <algorithm>
+#include <stdexcept>
+#include <string>
 #include <vector>
 
 namespace orb::bench {
@@ -113,7 +115,7 @@ LibraryArray libraryArray(const Value& value) {
     case Value::Kind::kSparse:
       return LibraryArray(sparse(value));
   }
-  return nullptr;
+  throw std::invalid_argument("There is no such kind of value.");
 }
 
 void addArray(Checksum& checksum, orbArray array) {

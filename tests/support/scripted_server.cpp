@@ -88,6 +88,7 @@ class Connection {
       encrypted_ = true;
     } else {
       // The client is to see the alert, not a connection that is gone while it writes.
+      ::shutdown(socket_, SHUT_WR);
       awaitClientsEnd();
     }
   }

@@ -8,11 +8,13 @@ namespace orb::model {
 namespace {
 
 constexpr size_t kMostValues = 2048;
+constexpr size_t kMostColumns = 40000;  // of a sparse array
 constexpr size_t kMostSlots = 48;
 
-// Above the limits of 32 bits, so that a call with them either fails before it allocates
-// or makes nothing; two of them may multiply to 0 modulo 2 to the 64th.
-constexpr size_t kHugeExtents[] = {2147483648, 4294967296, 4294967297};
+// 2 to the 42nd, its successor and 2 to the 62nd: a call with them either is refused or
+// makes nothing, for two of them may multiply to 0 modulo 2 to the 64th. Were it not
+// refused, it would ask for more memory than there can be, and fail at once.
+constexpr size_t kHugeExtents[] = {kHuge, kHuge + 1, size_t{1} << 62};
 
 template <class Item, size_t n>
 const Item& oneOf(Random& random, const Item (&items)[n]) {
@@ -33,7 +35,7 @@ bool isAffordable(const std::vector<size_t>& dimensions, size_t slotsPerElement)
 bool isAffordable(const Array& a, const std::vector<size_t>& dimensions) {
   if (product(dimensions) > kMaxElements) return true;
   if (orbIsSparse(&a)) {
-    return dimensions[1] <= kMostValues || dimensions[1] >= kMaxElements;
+    return dimensions[1] <= kMostColumns || dimensions[1] >= kMaxElements;
   }
   if (orbIsStruct(&a)) return isAffordable(dimensions, a.message->fieldNames.size());
   return orbIsCell(&a) ? isAffordable(dimensions, 1) : isAffordable(dimensions);
@@ -98,7 +100,7 @@ std::vector<size_t> Chooser::dimensions() {
 }
 
 size_t Chooser::index(Variable container) {
-  const size_t wrong[] = {2147483648, SIZE_MAX, 0, 1};
+  const size_t wrong[] = {kHuge, SIZE_MAX, 0, 1};
   const Array* a = at(container);
   if (a == nullptr) return 0;
   const size_t count = orbGetNumberOfElements(a);
@@ -119,7 +121,7 @@ std::vector<size_t> Chooser::subscripts(Variable array) {
 }
 
 size_t Chooser::capacity(size_t elements) {
-  const size_t corners[] = {0, elements, elements + 1, 2147483648, SIZE_MAX};
+  const size_t corners[] = {0, elements, elements + 1, kHuge, SIZE_MAX};
   if (random_.chance(20)) return oneOf(random_, corners);
   return random_.below(elements < 30 ? elements + 1 : 30);
 }

@@ -16,6 +16,9 @@
 
 namespace orb::model {
 
+/// More than any list may hold.
+inline constexpr size_t kHuge = size_t{1} << 42;
+
 /// The most arrays that a call may copy.
 inline constexpr size_t kMaxWeight = 150;
 

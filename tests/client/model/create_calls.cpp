@@ -118,26 +118,27 @@ Operation createStructMatrix(Chooser& choose) {
                   fieldCount(choose, names), names);
 }
 
-/// Sparse arrays store little however many rows they have.
-Extents sparseMatrix(Chooser& choose) {
-  const size_t m = choose.random().chance(3) ? kMaxElements : choose.extent();
-  const size_t n = choose.random().chance(3) ? kMaxElements : choose.extent();
+/// A sparse array may have more elements than any other: they are not stored.
+Extents sparseExtents(Chooser& choose) {
+  if (choose.random().chance(2)) return {100000, 30000};
+  const size_t m = choose.extent();
+  const size_t n = choose.extent();
   return {m, n};
 }
 
 size_t capacity(Chooser& choose) {
-  return choose.random().chance(3) ? kMaxElements + 1 : choose.random().below(12);
+  return choose.random().chance(3) ? kHuge : choose.random().below(12);
 }
 
 Operation createSparse(Chooser& choose) {
-  const auto [m, n] = sparseMatrix(choose);
+  const auto [m, n] = sparseExtents(choose);
   const size_t nzmax = capacity(choose);
   return creation(choose, ORB_MODEL_BOTH(orbCreateSparse), m, n, nzmax,
                   choose.complexity());
 }
 
 Operation createSparseLogicalMatrix(Chooser& choose) {
-  const auto [m, n] = sparseMatrix(choose);
+  const auto [m, n] = sparseExtents(choose);
   const size_t nzmax = capacity(choose);
   return creation(choose, ORB_MODEL_BOTH(orbCreateSparseLogicalMatrix), m, n, nzmax);
 }

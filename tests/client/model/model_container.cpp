@@ -128,10 +128,10 @@ void orbSetNzmax(Array* a, size_t nzmax) {
   const size_t capacity = std::max<size_t>(nzmax, 1);
   requireAtMostMax(capacity);
   Message& message = *a->message;
+  const size_t size = capacity * factsOf(message.classid).elementSize;
   message.ir.resize(capacity);
-  message.real.resize(capacity * factsOf(message.classid).elementSize);
-  if (!message.imag.empty())
-    message.imag.resize(capacity * factsOf(message.classid).elementSize);
+  message.real.resize(size);
+  if (!message.imag.empty()) message.imag.resize(size);
 }
 
 }  // namespace orb::model

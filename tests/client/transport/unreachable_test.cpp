@@ -94,7 +94,8 @@ TEST(FevalUrl, ThatSpeaksTlsOnlyFails) {
   settings.serverCertFile = Certificates::get().authority();
   Caller caller(settings);
   std::vector<Array> outputs(1);
-  EXPECT_EQ(caller.call(url, outputs), genericError("Unsupported protocol"));
+  EXPECT_EQ(caller.call(url, outputs),
+            genericError("Server returned nothing (no headers, no data)"));
   expectUsualCall(caller, server.url());
 }
 

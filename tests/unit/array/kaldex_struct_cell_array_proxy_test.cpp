@@ -5,6 +5,7 @@
 
 #include <boost/numeric/conversion/cast.hpp>
 #include <boost/weak_ptr.hpp>
+#include <type_traits>
 #include <typeinfo>
 
 #include "unit/array/message.h"

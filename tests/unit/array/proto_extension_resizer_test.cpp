@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <utility>
+
 #include "orb/dispatch_on_QXType"
 #include "unit/array/message.h"
 

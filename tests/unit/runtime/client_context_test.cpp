@@ -46,6 +46,15 @@ TEST(Guarded, RecordsStandardExceptions) {
   }
 }
 
+TEST(Guarded, LeavesTheFieldsOfAnOlderHttpError) {
+  orbClientContext context;
+  context.lastError.recordHttpError(404, "Not Found\r\n");
+  orbErrorInfo info;
+  getLastErrorInfo(&context, &info);
+  guarded(context, []() -> orbStatus { throw std::runtime_error("a text"); });
+  EXPECT_STREQ(info.details.http.responseMessage, "Not Found\r\n");
+}
+
 TEST(Guarded, LetsOtherExceptionsOut) {
   orbClientContext context;
   EXPECT_THROW(guarded(context, []() -> orbStatus { throw 42; }), int);
