@@ -27,6 +27,6 @@ endif()
 # Our own sources are held to these; the generated ones are not.
 add_library(orb_warnings INTERFACE)
 target_compile_options(orb_warnings INTERFACE
-  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wswitch-enum
+  -Wall -Wextra -Wpedantic -Wshadow -Wconversion
   $<$<COMPILE_LANGUAGE:CXX>:-Wnon-virtual-dtor -Woverloaded-virtual>
   $<$<BOOL:${ORB_WARNINGS_AS_ERRORS}>:-Werror>)

@@ -21,9 +21,10 @@
  * i + j*m. All indices, subscripts and field numbers count from zero. Dimensions, counts
  * and indices are size_t. Trailing dimensions of 1 are kept. Every array made here has at
  * least two dimensions; one that a server sent may have fewer, and may hold fewer
- * elements than its dimensions say: no function here reads past what is stored, but a
- * pointer such as orbGetPr() gives to a received array addresses only as many elements as
- * the server sent.
+ * elements than its dimensions say. No function here reads past what is stored, but a
+ * pointer such as orbGetPr() gives addresses only as many elements as there are: those
+ * that the server sent, and, of two handles of one char or 16-bit array of which one was
+ * resized, those that the other had.
  *
  * @par Classes
  * The class of an array never changes. A sparse array has the class of its values, double
@@ -66,15 +67,20 @@
  * exception out, always one derived from std::exception; each names it under
  * "Exceptions", and nothing that is not named there leaves. Those are:
  *  - all orbCreate... functions, orbDuplicateArray(), orbSetM(), orbSetN() and
- * orbSetNzmax(): std::bad_alloc and std::length_error when memory ends, and
+ *    orbSetNzmax(): std::bad_alloc and std::length_error when memory ends, and
  *    boost::numeric::positive_overflow, "bad numeric conversion: positive overflow", for
- * a count above 2147483647;
+ *    a count above 2147483647;
  *  - orbGetCell(), orbGetField(), orbGetFieldByNumber(): std::bad_alloc, and
  *    std::invalid_argument, "dispatch_on_QXType", for an element of a type that a client
- * cannot hold; a server may send such an element inside a cell or struct;
- *  - orbSetCell(), orbSetField(), orbSetFieldByNumber(), orbGetFieldNumber(),
- * orbRemoveField(), and the functions that hand out data pointers: std::bad_alloc. A C
- * program cannot catch them; the C++ runtime then ends it with a message.
+ *    cannot hold; a server may send such an element inside a cell or struct;
+ *  - orbSetCell(), orbSetField(), orbSetFieldByNumber(): std::bad_alloc, and
+ *    boost::numeric::positive_overflow for a struct or cell of more than 2147483647
+ *    elements;
+ *  - orbGetPr(), orbGetPi(), orbGetData(), orbGetImagData(), orbGetLogicals(),
+ *    orbGetScalar(), orbGetIr() and orbGetJc(): std::bad_alloc, where an array that holds
+ *    no elements yet is given its empty storage.
+ *
+ * A C program cannot catch them; the C++ runtime then ends it with a message.
  *
  * @par Threads and processes
  * The library starts no threads and takes no locks. orbInitializeEx() and orbTerminate()
@@ -115,16 +121,19 @@ typedef struct orbClientConfig orbClientConfig;
 /** A connection to servers, and its last error; see createContext(). */
 typedef struct orbClientContext orbClientContext;
 
-/** The class of an array. 32 bits wide; the order is the wire's, unsigned before signed.
+/**
+ * The class of an array. 32 bits wide; the order is the wire's, unsigned before signed.
  */
 typedef ORB_ENUM(orbClassID, int32_t){
     orbUNKNOWN_CLASS = -1, /**< No class; no array has it. */
     orbUINT8_CLASS = 0,    orbINT8_CLASS = 1,   orbUINT16_CLASS = 2,   orbINT16_CLASS = 3,
     orbUINT32_CLASS = 4,   orbINT32_CLASS = 5,  orbUINT64_CLASS = 6,   orbINT64_CLASS = 7,
     orbSINGLE_CLASS = 8,   orbDOUBLE_CLASS = 9, orbLOGICAL_CLASS = 10, orbCHAR_CLASS = 11,
-    orbSTRUCT_CLASS = 12,  orbCELL_CLASS = 13} orbClassID;
+    orbSTRUCT_CLASS = 12,  orbCELL_CLASS = 13,
+} orbClassID;
 
-/** Whether a new array is complex. Only the value 1 means complex; any other means real.
+/**
+ * Whether a new array is complex. Only the value 1 means complex; any other means real.
  */
 typedef ORB_ENUM(orbComplexity, int32_t){orbREAL = 0, orbCOMPLEX = 1} orbComplexity;
 
@@ -151,27 +160,38 @@ typedef struct orbStackFrame {
  * that fails, or destroyContext(). Only the array `stack` belongs to the record.
  */
 typedef struct orbErrorInfo {
-  orbErrorType type; /**< Says which member of the union is filled. */
-  const char*
-      message; /**< "A non-200 HTTP response was received",
-                    "Error was thrown while executing KALDEX code" or
-                    "A generic error was thrown"; "" for a context that never failed. */
+  /** Says which member of the union is filled. */
+  orbErrorType type;
+  /**
+   * "A non-200 HTTP response was received", "Error was thrown while executing KALDEX
+   * code" or "A generic error was thrown"; "" for a context that never failed.
+   */
+  const char* message;
   union {
+    /** For ORB_HTTP_ERROR. */
     struct {
-      uint32_t responseCode;       /**< The HTTP status. */
-      const char* responseMessage; /**< The reason phrase with its line ending, or "". */
-    } http;                        /**< For ORB_HTTP_ERROR. */
+      /** The HTTP status. */
+      uint32_t responseCode;
+      /** The reason phrase with its line ending; "" when the server sent none. */
+      const char* responseMessage;
+    } http;
+    /** For ORB_KALDEX_ERROR. */
     struct {
+      /** "" when the server sent none, as `identifier`. */
       const char* message;
       const char* identifier;
-      orbStackFrame*
-          stack; /**< stackDepth frames in the order sent; null when there are none,
-                      and when there was no memory for them: test before use. */
+      /**
+       * The stackDepth frames in the order sent. Null when there are none, and when there
+       * was no memory for them: test before use.
+       */
+      orbStackFrame* stack;
       uint64_t stackDepth;
-    } kaldex; /**< For ORB_KALDEX_ERROR. */
+    } kaldex;
+    /** For ORB_GENERIC_ERROR. */
     struct {
-      const char* message; /**< The failure's own text. */
-    } generic;             /**< For ORB_GENERIC_ERROR. */
+      /** The failure's own text. */
+      const char* message;
+    } generic;
   } details;
 } orbErrorInfo;
 
@@ -210,9 +230,9 @@ typedef struct orbClientRuntime {
    *
    * @param out  Receives the configuration, owned by the caller: release it with
    *             destroyConfig(). It is written before the configuration is complete:
-   * after ORB_FAILURE, which memory running out gives, destroy what `out` holds and use
-   * it for nothing else. Set it to null beforehand: it stays as it was when not even the
-   * handle could be made.
+   *             after ORB_FAILURE, which memory running out gives, destroy what `out`
+   *             holds and use it for nothing else. Set it to null beforehand: it stays as
+   *             it was when not even the handle could be made.
    */
   orbStatus (*createConfig)(orbClientConfig** out);
 
@@ -240,13 +260,14 @@ typedef struct orbClientRuntime {
   /**
    * Makes a context from a copy of a configuration, which may be changed or destroyed
    * afterwards without effect on the context. A context keeps its connections alive
-   * between calls.
+   * between calls, and the memory of its last request and reply for the next, each up to
+   * 64 MiB; it gives back what is far larger than a call needed.
    *
    * @param out  Receives the context, owned by the caller: release it with
-   * destroyContext(). It is written before the context is complete: after ORB_FAILURE
-   * destroy what `out` holds. Its getLastErrorInfo() tells the reason, and feval() on it
-   * fails. Set it to null beforehand: it stays as it was when not even the context could
-   * be made.
+   *             destroyContext(). It is written before the context is complete: after
+   *             ORB_FAILURE destroy what `out` holds. Its getLastErrorInfo() tells the
+   *             reason, and feval() on it fails. Set it to null beforehand: it stays as
+   *             it was when not even the context could be made.
    * @return ORB_FAILURE when memory ends or libcurl refuses a setting.
    */
   orbStatus (*createContext)(orbClientContext** out, const orbClientConfig* config);
@@ -260,7 +281,7 @@ typedef struct orbClientRuntime {
    * 0 and empty texts.
    *
    * @param info  Filled; release it with destroyLastErrorInfo(). A second call fills a
-   * record of its own.
+   *              record of its own.
    */
   void (*getLastErrorInfo)(orbClientContext* context, orbErrorInfo* info);
 
@@ -274,33 +295,33 @@ typedef struct orbClientRuntime {
    * for an error that the function raised; and, as a generic error, for a transport
    * failure, a null URL, a reply announced larger than the response size limit, a request
    * above 2147483647 bytes, a number of outputs other than nlhs, an output of a type that
-   * a client cannot hold
-   * ("dispatch_on_QXType"), and memory running out. A context goes on working after every
-   * failure.
+   * a client cannot hold ("dispatch_on_QXType"), and memory running out. A context goes
+   * on working after every failure.
    *
    * A server that closes a kept-alive connection at the wrong moment may make libcurl
    * send the POST again on a new one: a function may then run twice for one call.
    *
-   * @param url   Address of the function, used as it is.
+   * @param url  Address of the function, used as it is.
    * @param nlhs  Number of outputs wanted.
-   * @param lhs   Receives nlhs arrays, owned by the caller. Filled from the last to the
-   * first; a call that fails leaves the slots alone, with one exception: when an output
-   *              cannot be turned into an array, those after it are already stored and
-   * are the caller's to destroy. So set all slots to null first. May be null when nlhs is
-   * 0.
+   * @param lhs  Receives nlhs arrays, owned by the caller. Filled from the last to the
+   *             first; a call that fails leaves the slots alone, with one exception: when
+   *             an output cannot be turned into an array, those after it are already
+   *             stored and are the caller's to destroy. So set all slots to null first.
+   *             May be null when nlhs is 0.
    * @param nrhs  Number of inputs; 0 or above 2147483647 sends none.
-   * @param rhs   The inputs, which stay the caller's and keep their values. The same
-   * array may stand twice. Null sends none.
+   * @param rhs  The inputs, which stay the caller's and keep their values. The same array
+   *             may stand twice. Null sends none.
    */
   orbStatus (*feval)(orbClientContext* context, const char* url, uint32_t nlhs,
                      orbArray* lhs, uint32_t nrhs, const orbArray* rhs);
 
   /*
-   * Since version 1.1; null in a table made for 1.0. Setters copy the text, which must
-   * not be null. "" turns a file off. Getters give "" for what was never set; their text
-   * belongs to the configuration and stays valid until the same setting is set again or
-   * the configuration is destroyed. Files are read by libcurl when a call connects; a
-   * file that cannot be read fails that call.
+   * Since version 1.1; null in a table made for 1.0. Setters copy the text; null reads as
+   * "", which turns the setting off. When memory ends the setting stays as it was.
+   * Getters give "" for what was never set; their text belongs to the configuration and
+   * stays valid until the same setting is set again or the configuration is destroyed.
+   * Files are read by libcurl when a call connects; a file that cannot be read fails that
+   * call.
    */
 
   /** PEM file with the certificate that the client shows to the server. */
@@ -336,10 +357,10 @@ typedef struct orbClientRuntime {
  * Initialises the library, libcurl included, and gives the table.
  *
  * @param version  ORB_CLIENT_1_0 or ORB_CLIENT_1_1. While a table exists it is returned
- * whatever the version asked for: the first caller's version wins.
+ *                 whatever the version asked for: the first caller's version wins.
  * @return The table, owned by the library and valid until orbTerminate(); null on
- * failure, with the reason in orbGetInitializationErrorMessage(): "Invalid version
- * number." or "Global initialization of QXHttpClient failed".
+ *         failure, with the reason in orbGetInitializationErrorMessage(): "Invalid
+ *         version number." or "Global initialization of QXHttpClient failed".
  */
 ORB_API orbClientRuntime* orbInitializeEx(uint32_t version);
 
@@ -354,9 +375,8 @@ ORB_API void orbTerminate(void);
 
 /**
  * @return The text of the last initialisation that failed, also after a later one that
- * succeeded;
- *         "" when none failed since the library was loaded or terminated. Never null;
- * valid until the next initialisation that fails or orbTerminate().
+ *         succeeded; "" when none failed since the library was loaded or terminated.
+ *         Never null; valid until the next initialisation that fails or orbTerminate().
  */
 ORB_API const char* orbGetInitializationErrorMessage(void);
 
@@ -366,7 +386,7 @@ ORB_API const char* orbGetInitializationErrorMessage(void);
  * @defgroup create Creating arrays
  * Each function returns a new array, owned by the caller: release it with
  * orbDestroyArray(). Elements start as zero, false, NUL or empty. An array without
- * elements is always real.
+ * elements is real, whatever was asked for.
  * @code
  * orbArray m = orbCreateDoubleMatrix(2, 3, orbREAL);
  * orbGetPr(m)[0 + 1 * 2] = 4.5;  // row 0, column 1
@@ -375,21 +395,22 @@ ORB_API const char* orbGetInitializationErrorMessage(void);
  *
  * @par Exceptions
  *      Every function here may throw std::bad_alloc, or std::length_error for a size that
- * no memory could hold, and boost::numeric::positive_overflow, "bad numeric conversion:
- *      positive overflow", for more than 2147483647 elements (8-bit arrays have no such
- * limit) and, where the two extents m and n are given, for either above 2147483647.
- * Nothing is left behind.
+ *      no memory could hold, and boost::numeric::positive_overflow, "bad numeric
+ *      conversion: positive overflow", for more than 2147483647 elements (8-bit integer,
+ *      struct, cell and sparse arrays have no such limit) and, where the two extents m
+ *      and n are given, for either above 2147483647, of a sparse array for an n of
+ *      2147483647 too. Nothing is left behind.
  * @{
  */
 
 /**
  * Creates a numeric array.
  *
- * @param ndim     Number of extents in `dims`; 0 gives a 0-by-0 array, 1 a column
- * dims[0]-by-1.
- * @param dims     The extents; not read when ndim is 0.
+ * @param ndim  Number of extents in `dims`; 0 gives a 0-by-0 array, 1 a column
+ *              dims[0]-by-1.
+ * @param dims  The extents; not read when ndim is 0.
  * @param classid  orbUINT8_CLASS to orbDOUBLE_CLASS.
- * @param flag     orbCOMPLEX for an imaginary part.
+ * @param flag  orbCOMPLEX for an imaginary part.
  * @return The array; null when classid is not numeric.
  */
 ORB_API orbArray orbCreateNumericArray(size_t ndim, const size_t* dims,
@@ -436,8 +457,10 @@ ORB_API orbArray orbCreateString(const char* str);
  */
 ORB_API orbArray orbCreateCharMatrixFromStrings(size_t m, const char** str);
 
-/** Creates a cell array of empty cells, each reading as a 0-by-0 double array; `ndim` and
- * `dims` as for orbCreateNumericArray(). */
+/**
+ * Creates a cell array of empty cells, each reading as a 0-by-0 double array; `ndim` and
+ * `dims` as for orbCreateNumericArray().
+ */
 ORB_API orbArray orbCreateCellArray(size_t ndim, const size_t* dims);
 
 /** Creates an m-by-n cell array of empty cells. */
@@ -446,11 +469,11 @@ ORB_API orbArray orbCreateCellMatrix(size_t m, size_t n);
 /**
  * Creates a struct array whose every field reads as a 0-by-0 double array.
  *
- * @param ndim        As for orbCreateNumericArray(), and so `dims`.
- * @param nfields     Number of field names; 0 or less gives no fields.
+ * @param ndim  As for orbCreateNumericArray(), and so `dims`.
+ * @param nfields  Number of field names; 0 or less gives no fields.
  * @param fieldnames  The names, taken byte for byte, unchecked: a name given twice makes
- * a second field that only orbGetFieldNameByNumber() and orbRemoveField() reach. Not read
- * when nfields is 0 or less.
+ *                    a second field that only orbGetFieldNameByNumber() and
+ *                    orbRemoveField() reach. Not read when nfields is 0 or less.
  */
 ORB_API orbArray orbCreateStructArray(size_t ndim, const size_t* dims, int nfields,
                                       const char** fieldnames);
@@ -464,8 +487,8 @@ ORB_API orbArray orbCreateStructMatrix(size_t m, size_t n, int nfields,
  * all of its `nzmax` row indices and values and its n + 1 column starts are 0.
  *
  * @param nzmax  Capacity for stored values, at most 2147483647; 0 is kept as 0.
- * @param flag   orbCOMPLEX gives the values an imaginary part. orbIsComplex() is then
- * true when m*n is not 0.
+ * @param flag  orbCOMPLEX gives the values an imaginary part. orbIsComplex() is then true
+ *              when m*n is not 0.
  */
 ORB_API orbArray orbCreateSparse(size_t m, size_t n, size_t nzmax, orbComplexity flag);
 
@@ -491,7 +514,7 @@ ORB_API void orbDestroyArray(orbArray a);
  * @return A deep copy that shares nothing with `a`, owned by the caller.
  * @par Exceptions
  *      std::bad_alloc, boost::numeric::positive_overflow for a struct or cell of more
- * than 2147483647 elements. Nothing is left behind.
+ *      than 2147483647 elements. Nothing is left behind.
  */
 ORB_API orbArray orbDuplicateArray(const orbArray a);
 
@@ -501,20 +524,25 @@ ORB_API void orbFree(void* p);
 /** @return The class; for a sparse array that of its values. */
 ORB_API orbClassID orbGetClassID(const orbArray a);
 
-/** @return The class as text ("double"), static: "uint8", "int8", "uint16", "int16",
- * "uint32", "int32", "uint64", "int64", "single", "double", "logical", "char", "struct",
- * "cell". */
+/**
+ * @return The class as text ("double"), static: "uint8", "int8", "uint16", "int16",
+ *         "uint32", "int32", "uint64", "int64", "single", "double", "logical", "char",
+ *         "struct", "cell".
+ */
 ORB_API const char* orbGetClassName(const orbArray a);
 
 /**
  * @return Whether the array was created complex, received with an imaginary part, or
- * copied from an array that had one. Resizing does not change it: a complex array resized
- * to no elements stays complex, though it holds no imaginary values from then on.
+ *         copied from an array that had one. Resizing does not change it: a complex array
+ *         resized to no elements stays complex, though no imaginary values are stored in
+ *         it or sent from then on.
  */
 ORB_API bool orbIsComplex(const orbArray a);
 
-/** @return Bytes of one element of the class: 1, 2, 4 or 8; 2 for char, 1 for logical, 8
- * for struct and cell. For a sparse array, of one stored value. */
+/**
+ * @return Bytes of one element of the class: 1, 2, 4 or 8; 2 for char, 1 for logical, 8
+ *         for struct and cell. For a sparse array, of one stored value.
+ */
 ORB_API size_t orbGetElementSize(const orbArray a);
 
 /** @} */
@@ -528,15 +556,17 @@ ORB_API size_t orbGetElementSize(const orbArray a);
  *
  * @par Exceptions
  *      The functions that give a data pointer may throw std::bad_alloc; the others throw
- * what each says.
+ *      what each says.
  * @{
  */
 
 /** @return The number of dimensions. */
 ORB_API size_t orbGetNumberOfDimensions(const orbArray a);
 
-/** @return The extents, orbGetNumberOfDimensions() of them, inside the array; valid until
- * they are changed or the array is destroyed. Null when there are none. */
+/**
+ * @return The extents, orbGetNumberOfDimensions() of them, inside the array; valid until
+ *         they are changed or the array is destroyed. Null when there are none.
+ */
 ORB_API const size_t* orbGetDimensions(const orbArray a);
 
 /** @return The product of the extents, modulo 2 to the 64th; 0 when there are none. */
@@ -544,9 +574,9 @@ ORB_API size_t orbGetNumberOfElements(const orbArray a);
 
 /**
  * @param nsubs  Number of subscripts in `subs`. Those beyond the number of dimensions are
- * not looked at.
+ *               not looked at.
  * @return The linear index of the element at the zero-based subscripts, none of which is
- * compared with its extent; 0 when nsubs is 0.
+ *         compared with its extent; 0 when nsubs is 0.
  */
 ORB_API size_t orbCalcSingleSubscript(const orbArray a, size_t nsubs, const size_t* subs);
 
@@ -564,8 +594,9 @@ ORB_API size_t orbGetN(const orbArray a);
  *
  * @par Exceptions
  *      boost::numeric::positive_overflow, "bad numeric conversion: positive overflow",
- * for more than 2147483647 elements, struct fields counted; std::bad_alloc or
- * std::length_error. The extent is then changed, and the elements are not.
+ *      for more than 2147483647 elements, struct fields counted; std::bad_alloc or
+ *      std::length_error. Of a sparse array, for more than 2147483646 columns. The extent
+ *      is then changed, and the elements are not.
  */
 ORB_API void orbSetM(orbArray a, size_t m);
 
@@ -577,49 +608,61 @@ ORB_API void orbSetN(orbArray a, size_t n);
  *
  * @param dims  The new extents; may be the array's own, from orbGetDimensions().
  * @param ndim  Their number; 1 gives dims[0]-by-1.
- * @return 0; 1 when ndim is 0, which changes nothing, when there are more than 2147483647
- *         elements or when memory ends: the extents may then be replaced, and the
- * elements are as they were or, when memory ended, partly resized.
+ * @return 0; 1 when ndim is 0, which changes nothing; when orbSetM() would throw
+ *         positive_overflow, with the extents replaced and the elements as they were;
+ *         when memory ends, with the extents replaced or gone and the elements as they
+ *         were or partly resized.
  */
 ORB_API int orbSetDimensions(orbArray a, const size_t* dims, size_t ndim);
 
-/** @return The first element's real part as a double; 0.0 when there is none, and for
- * struct and cell arrays. For a sparse array, the first stored value. */
+/**
+ * @return The first element's real part as a double; 0.0 when there is none, and for
+ *         struct and cell arrays. For a sparse array, the first stored value.
+ */
 ORB_API double orbGetScalar(const orbArray a);
 
 /**
  * @return The elements of a double array, or the stored values of a sparse double one;
- * null for other classes, and when there are none. Valid until the array is resized or
- * destroyed.
+ *         null for other classes, and when there are none. Valid until the array is
+ *         resized or destroyed.
  */
 ORB_API double* orbGetPr(const orbArray a);
 
-/** @return The imaginary parts, as orbGetPr(); null for a real array. */
+/**
+ * @return The imaginary parts, as orbGetPr(); null for a real array. A sparse array
+ *         created complex without elements has them, though orbIsComplex() is false.
+ */
 ORB_API double* orbGetPi(const orbArray a);
 
-/** @return The elements of a numeric array in its class's C type (uint8_t ... double), or
- * the stored values of a sparse double one; else as orbGetPr(). */
+/**
+ * @return The elements of a numeric array in its class's C type (uint8_t ... double), or
+ *         the stored values of a sparse double one; else as orbGetPr().
+ */
 ORB_API void* orbGetData(const orbArray a);
 
 /** @return The imaginary parts, as orbGetData(); null for a real array. */
 ORB_API void* orbGetImagData(const orbArray a);
 
-/** @return The UTF-16 code units of a char array; null for other classes, and when there
- * are none. Not NUL-terminated. Valid until the array is resized or destroyed. */
+/**
+ * @return The UTF-16 code units of a char array; null for other classes, and when there
+ *         are none. Not NUL-terminated. Valid until the array is resized or destroyed.
+ */
 ORB_API char16_t* orbGetChars(const orbArray a);
 
-/** @return The elements of a logical array, or the stored values of a sparse logical one;
- * null for other classes, and when there are none. */
+/**
+ * @return The elements of a logical array, or the stored values of a sparse logical one;
+ *         null for other classes, and when there are none.
+ */
 ORB_API bool* orbGetLogicals(const orbArray a);
 
 /**
  * Copies a char array into a C string, the low byte of each code unit.
  *
- * @param buf     Receives at most buflen - 1 bytes and a NUL; untouched when `a` is not a
- * char array or buflen is 0.
+ * @param buf  Receives at most buflen - 1 bytes and a NUL; untouched when `a` is not a
+ *             char array or buflen is 0.
  * @param buflen  Size of `buf` in bytes.
  * @return 0 when all of it fitted, and when buflen is 0; 1 when it did not, and for other
- * classes.
+ *         classes.
  */
 ORB_API int orbGetString(const orbArray a, char* buf, size_t buflen);
 
@@ -628,8 +671,8 @@ ORB_API int orbGetString(const orbArray a, char* buf, size_t buflen);
  * follows it. NUL units stay, so the text may hold NULs inside.
  *
  * @return NUL-terminated text, owned by the caller: release it with orbFree(). Null for
- * other classes, for an array without elements, when the last unit is a surrogate, and
- * when memory ends.
+ *         other classes, for an array without elements, when a surrogate has no unit
+ *         behind it, and when memory ends.
  */
 ORB_API char* orbArrayToString(const orbArray a);
 
@@ -650,12 +693,16 @@ ORB_API char* orbArrayToString(const orbArray a);
 /** @return The number of fields; 0 when `a` is not a struct. */
 ORB_API int orbGetNumberOfFields(const orbArray a);
 
-/** @return The name of field n, inside the array, valid until its fields change; null
- * when `a` is not a struct or has no field n. */
+/**
+ * @return The name of field n, inside the array, valid until its fields change; null when
+ *         `a` is not a struct or has no field n.
+ */
 ORB_API const char* orbGetFieldNameByNumber(const orbArray a, int n);
 
-/** @return The number of the first field with exactly this name; -1 when there is none,
- * `name` is null or `a` is not a struct. */
+/**
+ * @return The number of the first field with exactly this name; -1 when there is none,
+ *         `name` is null or `a` is not a struct.
+ */
 ORB_API int orbGetFieldNumber(const orbArray a, const char* name);
 
 /**
@@ -663,15 +710,17 @@ ORB_API int orbGetFieldNumber(const orbArray a, const char* name);
  * and reads as, a 0-by-0 double array.
  *
  * @return A handle that shares the value with the struct, owned by the caller. Null when
- * `a` is not a struct, has no such field, or no such element.
+ *         `a` is not a struct, has no such field, or no such element.
  * @par Exceptions
  *      std::invalid_argument, "dispatch_on_QXType", when a server sent a value of a type
- * that a client cannot hold; std::bad_alloc.
+ *      that a client cannot hold; std::bad_alloc.
  */
 ORB_API orbArray orbGetField(const orbArray a, size_t index, const char* name);
 
-/** As orbGetField() with the name of field n: of two fields with one name, the first is
- * reached. */
+/**
+ * As orbGetField() with the name of field n: of two fields with one name, the first is
+ * reached.
+ */
 ORB_API orbArray orbGetFieldByNumber(const orbArray a, size_t index, int n);
 
 /**
@@ -681,24 +730,28 @@ ORB_API orbArray orbGetFieldByNumber(const orbArray a, size_t index, int n);
  *
  * @par Exceptions
  *      std::bad_alloc, boost::numeric::positive_overflow when `value` is a struct or cell
- * of more than 2147483647 elements. `a` is then unchanged.
+ *      of more than 2147483647 elements. `a` is then unchanged.
  */
 ORB_API void orbSetField(orbArray a, size_t index, const char* name, orbArray value);
 
-/** As orbSetField() with the name of field n: of two fields with one name, the first is
- * reached. */
+/**
+ * As orbSetField() with the name of field n: of two fields with one name, the first is
+ * reached.
+ */
 ORB_API void orbSetFieldByNumber(orbArray a, size_t index, int n, orbArray value);
 
 /**
  * Adds a field behind the others; in every element it reads as a 0-by-0 double array.
  *
  * @return The number of the field; of the one that exists when there is one with this
- * name. -1, with the struct unchanged, when `name` is null, `a` is not a struct, memory
- * ends, or `a` was received with other than fields times elements values.
+ *         name. -1, with the struct unchanged, when `name` is null, `a` is not a struct,
+ *         memory ends, or `a` was received with other than fields times elements values.
  */
 ORB_API int orbAddField(orbArray a, const char* name);
 
-/** Removes field n with its values; no effect when `a` is not a struct or has no field n. */
+/**
+ * Removes field n with its values; no effect when `a` is not a struct or has no field n.
+ */
 ORB_API void orbRemoveField(orbArray a, int n);
 
 /**
@@ -706,10 +759,10 @@ ORB_API void orbRemoveField(orbArray a, int n);
  * array.
  *
  * @return A handle that shares the value with the cell array, owned by the caller. Null
- * when `a` is not a cell array or has no such element.
+ *         when `a` is not a cell array or has no such element.
  * @par Exceptions
  *      std::invalid_argument, "dispatch_on_QXType", when a server sent a value of a type
- * that a client cannot hold; std::bad_alloc.
+ *      that a client cannot hold; std::bad_alloc.
  */
 ORB_API orbArray orbGetCell(const orbArray a, size_t index);
 
@@ -722,14 +775,18 @@ ORB_API orbArray orbGetCell(const orbArray a, size_t index);
  */
 ORB_API void orbSetCell(orbArray a, size_t index, orbArray value);
 
-/** @return The row index of each stored value, orbGetNzmax() of them, inside the array;
- * null when `a` is not sparse or there are none. Valid until orbSetNzmax() or the array's
- * end. */
+/**
+ * @return The row index of each stored value, orbGetNzmax() of them, inside the array;
+ *         null when `a` is not sparse or there are none. Valid until orbSetNzmax() or the
+ *         array's end.
+ */
 ORB_API size_t* orbGetIr(const orbArray a);
 
-/** @return The column starts, one more than there are columns, inside the array; null
- * when `a` is not sparse or there are none. Valid until the array is resized or
- * destroyed. */
+/**
+ * @return The column starts, one more than there are columns, inside the array; null when
+ *         `a` is not sparse or there are none. Valid until the array is resized or
+ *         destroyed.
+ */
 ORB_API size_t* orbGetJc(const orbArray a);
 
 /** @return The capacity for stored values; SIZE_MAX when `a` is not sparse. */
@@ -738,12 +795,12 @@ ORB_API size_t orbGetNzmax(const orbArray a);
 /**
  * Changes the capacity for stored values: new row indices and values are 0, surplus ones
  * are cut off. The column starts stay as they are; keep them consistent. No effect when
- * `a` is not sparse or nzmax is above its number of elements. 0 is taken as 1.
+ * `a` is not sparse or nzmax is above its number of elements. 0 is taken as 1, also where
+ * the array has no elements.
  *
  * @par Exceptions
  *      boost::numeric::positive_overflow, "bad numeric conversion: positive overflow",
- * for an nzmax above 2147483647, with the array unchanged; std::bad_alloc, the lists then
- * being as long as they came.
+ *      for an nzmax above 2147483647; std::bad_alloc. The capacity is then unchanged.
  */
 ORB_API void orbSetNzmax(orbArray a, size_t nzmax);
 
@@ -769,7 +826,8 @@ ORB_API bool orbIsUint32(const orbArray a);
 ORB_API bool orbIsInt64(const orbArray a);
 ORB_API bool orbIsUint64(const orbArray a);
 
-/** @return Whether the class is one of the ten numeric ones; true also for sparse double.
+/**
+ * @return Whether the class is one of the ten numeric ones; true also for sparse double.
  */
 ORB_API bool orbIsNumeric(const orbArray a);
 
@@ -782,12 +840,16 @@ ORB_API bool orbIsCell(const orbArray a);
 /** @return Whether the array is stored sparse, whatever its values. */
 ORB_API bool orbIsSparse(const orbArray a);
 
-/** @return Whether the class is logical and the shape exactly 1-by-1, without further
- * extents. */
+/**
+ * @return Whether the class is logical and the shape exactly 1-by-1, without further
+ *         extents.
+ */
 ORB_API bool orbIsLogicalScalar(const orbArray a);
 
-/** @return Whether orbIsLogicalScalar() holds and the value is true; for a sparse array,
- * its first stored value. False when nothing is stored. */
+/**
+ * @return Whether orbIsLogicalScalar() holds and the value is true; for a sparse array,
+ *         its first stored value. False when nothing is stored.
+ */
 ORB_API bool orbIsLogicalScalarTrue(const orbArray a);
 
 /** @return Whether any extent is 0, or there is none. */

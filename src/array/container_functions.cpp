@@ -3,6 +3,7 @@
 #include <boost/make_shared.hpp>
 #include <exception>
 #include <limits>
+#include <optional>
 
 #include "array/checked_cast.h"
 #include "array/dimensions.h"
@@ -10,7 +11,6 @@
 #include "array/orb_array_from_kaldex_array_factory.h"
 #include "array/struct_fields.h"
 
-using orb::Elements;
 using orb::KALDEX_Array;
 using orb::messageOf;
 using orb::proxyOf;
@@ -26,40 +26,37 @@ orb::KALDEXCellArrayProxy& cellProxyOf(const orbArray a) {
   return dynamic_cast<orb::KALDEXCellArrayProxy&>(proxyOf(a));
 }
 
-/// The slot of a cell, null when there is none. A server may have sent fewer cells than
-/// the dimensions say.
-SharedMessage* cellSlot(const orbArray a, size_t index) {
-  if (!orbIsCell(a) || index >= orb::numberOfElements(messageOf(a))) return nullptr;
-  Elements& elements = cellProxyOf(a).elements();
-  return index < elements.size() ? &elements[index] : nullptr;
+/// The entry of a cell, if there is one. A server may have sent fewer cells than the
+/// dimensions say.
+std::optional<size_t> cellEntry(const orbArray a, size_t index) {
+  if (!orbIsCell(a) || index >= orb::numberOfElements(messageOf(a))) return std::nullopt;
+  if (index >= cellProxyOf(a).size()) return std::nullopt;
+  return index;
 }
 
 /// The same for the value of a field in one element of a struct.
-SharedMessage* fieldSlot(const orbArray a, size_t index, const char* name) {
+std::optional<size_t> fieldEntry(const orbArray a, size_t index, const char* name) {
   const int number = orbGetFieldNumber(a, name);
-  if (number < 0 || index >= orb::numberOfElements(messageOf(a))) return nullptr;
-  Elements& elements = structProxyOf(a).elements();
+  if (number < 0 || index >= orb::numberOfElements(messageOf(a))) return std::nullopt;
+  const size_t size = structProxyOf(a).size();
   const size_t field = static_cast<size_t>(number);
   const size_t fields = static_cast<size_t>(orbGetNumberOfFields(a));
   // Divided, not multiplied: index * fields may wrap.
-  if (field >= elements.size() || index > (elements.size() - 1 - field) / fields) {
-    return nullptr;
-  }
-  return &elements[field + index * fields];
+  if (field >= size || index > (size - 1 - field) / fields) return std::nullopt;
+  return field + index * fields;
 }
 
-orbArray readSlot(SharedMessage* slot) {
-  if (slot == nullptr) return nullptr;
-  return orb::handleOver(orb::materialised(*slot), orb::MessageUse::kShare).release();
+orbArray handleOf(const SharedMessage& element) {
+  return orb::handleOver(element, orb::MessageUse::kShare).release();
 }
 
-void writeSlot(orbArray a, SharedMessage* slot, orbArray value) {
-  if (slot == nullptr) return;
+/// What the container `a` refers to for `value`: its message, written back. A message
+/// cannot be copied into itself, so an array that holds itself holds a copy.
+SharedMessage storable(const orbArray a, const orbArray value) {
   proxyOf(value).flushToMessage();
   const SharedMessage& message = proxyOf(value).sharedMessage();
-  // A message cannot be copied into itself, so an array that holds itself holds a copy.
   const bool isOwn = message == proxyOf(a).sharedMessage();
-  *slot = isOwn ? boost::make_shared<KALDEX_Array>(*message) : message;
+  return isOwn ? boost::make_shared<KALDEX_Array>(*message) : message;
 }
 
 /// Null for an empty list.
@@ -88,7 +85,8 @@ int orbGetFieldNumber(const orbArray a, const char* name) {
 }
 
 orbArray orbGetField(const orbArray a, size_t index, const char* name) {
-  return readSlot(fieldSlot(a, index, name));
+  const auto entry = fieldEntry(a, index, name);
+  return entry ? handleOf(structProxyOf(a).element(*entry)) : nullptr;
 }
 
 orbArray orbGetFieldByNumber(const orbArray a, size_t index, int n) {
@@ -96,7 +94,8 @@ orbArray orbGetFieldByNumber(const orbArray a, size_t index, int n) {
 }
 
 void orbSetField(orbArray a, size_t index, const char* name, orbArray value) {
-  writeSlot(a, fieldSlot(a, index, name), value);
+  const auto entry = fieldEntry(a, index, name);
+  if (entry) structProxyOf(a).setElement(*entry, storable(a, value));
 }
 
 void orbSetFieldByNumber(orbArray a, size_t index, int n, orbArray value) {
@@ -120,11 +119,13 @@ void orbRemoveField(orbArray a, int n) {
 }
 
 orbArray orbGetCell(const orbArray a, size_t index) {
-  return readSlot(cellSlot(a, index));
+  const auto entry = cellEntry(a, index);
+  return entry ? handleOf(cellProxyOf(a).element(*entry)) : nullptr;
 }
 
 void orbSetCell(orbArray a, size_t index, orbArray value) {
-  writeSlot(a, cellSlot(a, index), value);
+  const auto entry = cellEntry(a, index);
+  if (entry) cellProxyOf(a).setElement(*entry, storable(a, value));
 }
 
 size_t* orbGetIr(const orbArray a) {

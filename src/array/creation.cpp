@@ -47,20 +47,30 @@ class OrbArrayInitializer {
     orb::SharedMessage message = boost::make_shared<KALDEX_Array>();
     message->set_type(T);
     message->mutable_dimension()->Add(extents_.begin(), extents_.end());
-    orb::ProtoExtensionInitializer initializer(*message, count_, isComplex_);
-    if (count_ != 0) orb::dispatch_on_QXType(T, initializer);
-    auto proxy = std::make_unique<orb::ProxyOf<T>>(std::move(message));
-    proxy->setComplex(isComplex_);
-    if constexpr (T == KALDEX_Array::STRUCT || T == KALDEX_Array::CELL) {
-      proxy->elements().resize(count_);
-    }
     handle_ = std::make_unique<orbArrayHandle>();
-    handle_->proxy = std::move(proxy);
+    handle_->proxy = newProxy<T>(std::move(message));
+    handle_->proxy->setComplex(isComplex_);
   }
 
   UniqueHandle takeHandle() { return std::move(handle_); }
 
  private:
+  template <QXType T>
+  std::unique_ptr<orb::ProxyOf<T>> newProxy(orb::SharedMessage message) const {
+    if constexpr (orb::kIsNative16<T>) {
+      orb::checkedInt32(count_);
+      using Elements = std::vector<orb::NativeElement<T>>;
+      return std::make_unique<orb::ProxyOf<T>>(std::move(message), Elements(count_),
+                                               Elements(isComplex_ ? count_ : 0));
+    } else {
+      orb::ProtoExtensionInitializer initializer(*message, count_, isComplex_);
+      if (count_ != 0) orb::dispatch_on_QXType(T, initializer);
+      auto proxy = std::make_unique<orb::ProxyOf<T>>(std::move(message));
+      if constexpr (orb::kIsContainer<T>) proxy->elements().resize(count_);
+      return proxy;
+    }
+  }
+
   Extents extents_;
   uint64_t count_;
   bool isComplex_;

@@ -20,6 +20,21 @@ enum class MessageUse {
   kOwn,    // nobody else ever saw it: parts may be taken over
 };
 
+/// How an array goes into a call.
+enum class Sending {
+  kAsStored,     // the message is up to date
+  kWrittenBack,  // others see the message: written back and sent as it is
+  kDirect,       // written without the message
+};
+
+/// The sizes in bytes of an array's wire form and of parts of it.
+struct WireSizes {
+  size_t total;
+  size_t payload;
+  size_t real;
+  size_t imag;
+};
+
 /// The array behind a handle: views one message, which other proxies may view too. By
 /// itself it serves the types whose elements callers reach in the message; subclasses add
 /// native elements, read when the proxy is built and written back by flushToMessage().
@@ -44,6 +59,16 @@ class KALDEXArrayProxy : boost::noncopyable {
   virtual void flushToMessage() {}
   /// A proxy over a copy of the message, written back before.
   virtual std::unique_ptr<KALDEXArrayProxy> duplicate();
+
+  /// What a call does with this array. Where nobody else can see the message, writing
+  /// back would be work for nothing: the wire form is then written from the native
+  /// elements.
+  virtual Sending sending() { return Sending::kAsStored; }
+  /// The sizes of the wire form, for Sending::kDirect; right after it writeWire() may
+  /// run.
+  virtual WireSizes measureWire() const { return {}; }
+  /// Writes the wire form, sizes.total bytes, and gives its end.
+  virtual uint8_t* writeWire(const WireSizes&, uint8_t* target) const { return target; }
 
   QXType type() const { return message_->type(); }
   bool isComplex() const { return isComplex_; }

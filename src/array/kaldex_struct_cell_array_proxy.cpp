@@ -6,6 +6,7 @@
 #include <boost/make_shared.hpp>
 #include <utility>
 
+#include "array/array_head.h"
 #include "array/checked_cast.h"
 
 namespace orb {
@@ -13,23 +14,11 @@ namespace {
 
 using MessageList = google::protobuf::RepeatedPtrField<KALDEX_Array>;
 
-template <QXType T>
-const MessageList& listOf(const KALDEX_Array& message) {
-  if constexpr (T == KALDEX_Array::STRUCT) {
-    return message.struct_().elements();
-  } else {
-    return message.cell().elements();
-  }
-}
+// An empty slot as it is sent: type DOUBLE, dimensions 0 and 0.
+constexpr uint8_t kEmptySlot[] = {0x08, KALDEX_Array::DOUBLE, 0x12, 2, 0, 0};
 
 template <QXType T>
-MessageList& mutableListOf(KALDEX_Array& message) {
-  if constexpr (T == KALDEX_Array::STRUCT) {
-    return *message.mutable_struct_()->mutable_elements();
-  } else {
-    return *message.mutable_cell()->mutable_elements();
-  }
-}
+constexpr int kElementsField = T == KALDEX_Array::STRUCT ? 2 : 1;
 
 Elements copied(const MessageList& list) {
   Elements elements;
@@ -48,24 +37,60 @@ Elements takenOver(MessageList& list) {
   return elements;
 }
 
-}  // namespace
-
-const SharedMessage& materialised(SharedMessage& entry) {
-  if (!entry) {
-    SharedMessage slot = boost::make_shared<KALDEX_Array>();
-    makeEmptySlot(*slot);
-    entry.swap(slot);
+size_t namesSize(const KALDEX_Array::Struct& payload) {
+  size_t size = 0;
+  for (const std::string& name : payload.field_names()) {
+    size += wire::fieldSize(KALDEX_Array::Struct::kFieldNamesFieldNumber, name.size());
   }
-  return entry;
+  return size;
 }
+
+size_t namesSize(const KALDEX_Array::Cell&) { return 0; }
+
+template <QXType T>
+Elements elementsOf(KALDEX_Array& message, MessageUse use) {
+  const MessageList& list = Payload<T>::of(message).elements();
+  if (use == MessageUse::kShare || list.empty()) return copied(list);
+  return takenOver(*Payload<T>::in(message).mutable_elements());
+}
+
+}  // namespace
 
 template <QXType T>
 KALDEXStructCellArrayProxy<T>::KALDEXStructCellArrayProxy(SharedMessage message,
                                                           MessageUse use)
     : KALDEXArrayProxy(std::move(message), use),
-      elements_(use == MessageUse::kOwn && !listOf<T>(this->message()).empty()
-                    ? takenOver(mutableListOf<T>(this->message()))
-                    : copied(listOf<T>(this->message()))) {}
+      elements_(elementsOf<T>(this->message(), use)) {}
+
+template <QXType T>
+KALDEXStructCellArrayProxy<T>::KALDEXStructCellArrayProxy(SharedMessage message,
+                                                          PendingElements pending)
+    : KALDEXArrayProxy(std::move(message), MessageUse::kOwn),
+      elements_(pending.size()),
+      pending_(std::move(pending)) {}
+
+template <QXType T>
+const SharedMessage& KALDEXStructCellArrayProxy<T>::element(size_t i) {
+  if (!elements_[i]) {
+    SharedMessage built = boost::make_shared<KALDEX_Array>();
+    if (pending_.empty()) {
+      makeEmptySlot(*built);
+    } else {
+      pending_.parse(i, *built);
+    }
+    elements_[i].swap(built);
+  }
+  return elements_[i];
+}
+
+template <QXType T>
+Elements& KALDEXStructCellArrayProxy<T>::elements() {
+  if (!pending_.empty()) {
+    for (size_t i = 0; i < elements_.size(); ++i) element(i);
+    pending_.clear();
+  }
+  return elements_;
+}
 
 template <QXType T>
 void KALDEXStructCellArrayProxy<T>::resize(int32_t count) {
@@ -73,20 +98,20 @@ void KALDEXStructCellArrayProxy<T>::resize(int32_t count) {
   if (type() == KALDEX_Array::STRUCT) entries *= message().struct_().field_names_size();
   const size_t size = static_cast<size_t>(checkedInt32(entries));
   const size_t oldSize = static_cast<size_t>(checkedInt32(elements_.size()));
-  elements_.resize(size);
-  for (size_t i = oldSize; i < size; ++i) materialised(elements_[i]);
+  elements().resize(size);
+  for (size_t i = oldSize; i < size; ++i) element(i);
 }
 
 template <QXType T>
 void KALDEXStructCellArrayProxy<T>::flushToMessage() {
-  MessageList& list = mutableListOf<T>(message());
+  MessageList& list = *Payload<T>::in(message()).mutable_elements();
   const int32_t size = checkedInt32(elements_.size());
   if (size < list.size()) list.DeleteSubrange(size, list.size() - size);
   list.Reserve(size);
   for (int32_t i = 0; i < size; ++i) {
-    const KALDEX_Array& element = *materialised(elements_[static_cast<size_t>(i)]);
+    const KALDEX_Array& source = *element(static_cast<size_t>(i));
     KALDEX_Array& place = i < list.size() ? *list.Mutable(i) : *list.Add();
-    place.CopyFrom(element);
+    place.CopyFrom(source);
   }
 }
 
@@ -95,6 +120,63 @@ std::unique_ptr<KALDEXArrayProxy> KALDEXStructCellArrayProxy<T>::duplicate() {
   flushToMessage();
   return std::make_unique<KALDEXStructCellArrayProxy>(
       boost::make_shared<KALDEX_Array>(message()), MessageUse::kOwn);
+}
+
+template <QXType T>
+Sending KALDEXStructCellArrayProxy<T>::sending() {
+  checkedInt32(elements_.size());
+  if (sharedMessage().use_count() > 1) return Sending::kWrittenBack;
+  const bool hasPayload = Payload<T>::isIn(message());
+  if (hasPayload && !Payload<T>::of(message()).elements().empty()) {
+    // Written back earlier, for others who are gone: nobody looks at it again.
+    MessageList().Swap(Payload<T>::in(message()).mutable_elements());
+  }
+  // Whether there are unknown fields is told by the size: asking the message library for them
+  // would make it build its descriptors, which ends badly where memory ends.
+  const auto& payload = Payload<T>::of(message());
+  const size_t size = payload.ByteSizeLong();
+  const bool isDirect = size == namesSize(payload) &&
+                        holdsOnlyHeadAnd(message(), hasPayload, kPayloadField<T>, size);
+  return isDirect ? Sending::kDirect : Sending::kWrittenBack;
+}
+
+template <QXType T>
+WireSizes KALDEXStructCellArrayProxy<T>::measureWire() const {
+  WireSizes sizes{};
+  sizes.payload = Payload<T>::of(message()).ByteSizeLong();
+  for (size_t i = 0; i < elements_.size(); ++i) {
+    const size_t size = elements_[i]       ? elements_[i]->ByteSizeLong()
+                        : pending_.empty() ? sizeof kEmptySlot
+                                           : pending_.bytes(i).size;
+    sizes.payload += wire::fieldSize(kElementsField<T>, size);
+  }
+  sizes.total = headSize(message()) + wire::fieldSize(kPayloadField<T>, sizes.payload);
+  return sizes;
+}
+
+template <QXType T>
+uint8_t* KALDEXStructCellArrayProxy<T>::writeWire(const WireSizes& sizes,
+                                                  uint8_t* target) const {
+  const auto writeElement = [&target](wire::Slice bytes) {
+    target = wire::writeFieldHead(kElementsField<T>, bytes.size, target);
+    std::memcpy(target, bytes.data, bytes.size);
+    target += bytes.size;
+  };
+  target = writeHead(message(), target);
+  target = wire::writeFieldHead(kPayloadField<T>, sizes.payload, target);
+  target = Payload<T>::of(message()).SerializeWithCachedSizesToArray(target);
+  for (size_t i = 0; i < elements_.size(); ++i) {
+    if (elements_[i]) {
+      const auto size = static_cast<size_t>(elements_[i]->GetCachedSize());
+      target = wire::writeFieldHead(kElementsField<T>, size, target);
+      target = elements_[i]->SerializeWithCachedSizesToArray(target);
+    } else if (pending_.empty()) {
+      writeElement({kEmptySlot, sizeof kEmptySlot});
+    } else {
+      writeElement(pending_.bytes(i));
+    }
+  }
+  return target;
 }
 
 template class KALDEXStructCellArrayProxy<KALDEX_Array::STRUCT>;

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "array/kaldex_array_proxy.h"
+#include "array/pending_elements.h"
 
 namespace orb {
 
@@ -16,13 +17,16 @@ using Elements = std::vector<SharedMessage>;
 
 /// A struct or cell array. Its elements are messages of their own, shared with the
 /// handles of those elements; the copies inside this array's message are made by
-/// flushToMessage().
+/// flushToMessage(). Received elements stay bytes until somebody asks for them: their
+/// entries are null so long.
 template <QXType T>
 class KALDEXStructCellArrayProxy : public KALDEXArrayProxy {
  public:
   /// The elements are copied out of the message, or moved out of one of our own.
   explicit KALDEXStructCellArrayProxy(SharedMessage message,
                                       MessageUse use = MessageUse::kShare);
+  /// Over a message that nobody else saw, without a list; these are its elements.
+  KALDEXStructCellArrayProxy(SharedMessage message, PendingElements pending);
 
   /// `count` is the number of array elements; of a struct, each has a value per field.
   void resize(int32_t count) override;
@@ -31,11 +35,20 @@ class KALDEXStructCellArrayProxy : public KALDEXArrayProxy {
   double getScalar() override { return 0.0; }
   void flushToMessage() override;
   std::unique_ptr<KALDEXArrayProxy> duplicate() override;
+  Sending sending() override;
+  WireSizes measureWire() const override;
+  uint8_t* writeWire(const WireSizes& sizes, uint8_t* target) const override;
 
-  Elements& elements() { return elements_; }
+  size_t size() const { return elements_.size(); }
+  /// The message of the entry at i, never null.
+  const SharedMessage& element(size_t i);
+  void setElement(size_t i, SharedMessage message) { elements_[i].swap(message); }
+  /// All entries, for changing their number and order.
+  Elements& elements();
 
  private:
   Elements elements_;
+  PendingElements pending_;  // as many as there are entries, or none
 };
 
 extern template class KALDEXStructCellArrayProxy<KALDEX_Array::STRUCT>;
@@ -43,9 +56,6 @@ extern template class KALDEXStructCellArrayProxy<KALDEX_Array::CELL>;
 
 using KALDEXStructArrayProxy = KALDEXStructCellArrayProxy<KALDEX_Array::STRUCT>;
 using KALDEXCellArrayProxy = KALDEXStructCellArrayProxy<KALDEX_Array::CELL>;
-
-/// The message behind an entry; a null entry is given an empty slot first.
-const SharedMessage& materialised(SharedMessage& entry);
 
 }  // namespace orb
 

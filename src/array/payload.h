@@ -12,8 +12,8 @@ namespace orb {
 using client::KALDEX_Array;
 using QXType = KALDEX_Array::QXType;
 
-/// The payload of a dense type T: `Native` is the element as callers see it; `of` reads
-/// the payload, the empty default one when absent; `in` makes it present.
+/// The payload of type T: `of` reads it, the empty default one when absent; `in` makes it
+/// present. `Native` is the element as callers see it.
 template <QXType T>
 struct Payload;
 
@@ -21,6 +21,7 @@ struct Payload;
   template <>                                                                           \
   struct Payload<KALDEX_Array::TYPE> {                                                  \
     using Native = Element;                                                             \
+    static bool isIn(const KALDEX_Array& a) { return a.has_##field(); }                 \
     static const KALDEX_Array::Message& of(const KALDEX_Array& a) { return a.field(); } \
     static KALDEX_Array::Message& in(KALDEX_Array& a) { return *a.mutable_##field(); }  \
   }
@@ -37,11 +38,22 @@ ORB_PAYLOAD(SINGLE, Single, single, float);
 ORB_PAYLOAD(DOUBLE, Double, qxdouble, double);
 ORB_PAYLOAD(LOGICAL, Logical, logical, bool);
 ORB_PAYLOAD(CHAR, Char, qxchar, char16_t);
+ORB_PAYLOAD(STRUCT, Struct, struct_, void);
+ORB_PAYLOAD(CELL, Cell, cell, void);
 
 #undef ORB_PAYLOAD
 
 template <QXType T>
 using NativeElement = typename Payload<T>::Native;
+
+/// The payload's field number in the array.
+template <QXType T>
+inline constexpr int kPayloadField =
+    T == KALDEX_Array::STRUCT ? int{KALDEX_Array::kStructFieldNumber}
+    : T == KALDEX_Array::CELL ? int{KALDEX_Array::kCellFieldNumber}
+                              : KALDEX_Array::kUint8FieldNumber + T;
+static_assert(kPayloadField<KALDEX_Array::INT16> == KALDEX_Array::kInt16FieldNumber);
+static_assert(kPayloadField<KALDEX_Array::CHAR> == KALDEX_Array::kQxcharFieldNumber);
 
 template <QXType T>
 inline constexpr bool kIsNumeric = T <= KALDEX_Array::DOUBLE;
@@ -49,6 +61,14 @@ inline constexpr bool kIsNumeric = T <= KALDEX_Array::DOUBLE;
 /// Types whose payload is a byte string; the other dense types have a list of elements.
 template <QXType T>
 inline constexpr bool kIsBytes = T == KALDEX_Array::UINT8 || T == KALDEX_Array::INT8;
+
+/// Types whose proxy keeps 16-bit elements of its own.
+template <QXType T>
+inline constexpr bool kIsNative16 =
+    T == KALDEX_Array::UINT16 || T == KALDEX_Array::INT16 || T == KALDEX_Array::CHAR;
+
+template <QXType T>
+inline constexpr bool kIsContainer = T == KALDEX_Array::STRUCT || T == KALDEX_Array::CELL;
 
 /// The class name of a type up to CELL.
 constexpr const char* className(QXType type) {

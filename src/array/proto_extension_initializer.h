@@ -36,7 +36,7 @@ class ProtoExtensionInitializer {
  private:
   template <class Element>
   void appendZeros(google::protobuf::RepeatedField<Element>& list) {
-    list.Resize(checkedInt32(static_cast<size_t>(list.size()) + count_), Element{});
+    list.Resize(checkedInt32(int64_t{checkedInt32(count_)} + list.size()), Element{});
   }
 
   KALDEX_Array& array_;

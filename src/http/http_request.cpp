@@ -76,14 +76,16 @@ std::string failureText(CURLcode code) {
 }  // namespace
 
 HttpRequest::HttpRequest(CurlHandle handle, const std::string& url,
-                         uint32_t responseSizeLimit)
+                         uint32_t responseSizeLimit,
+                         boost::shared_ptr<KeptBlock> bodyBlock)
     : handle_(std::move(handle)),
       url_(url),
       headers_{
           "Content-Type: application/x-google-protobuf", "User-Agent: Corvane C client",
           // Empty: libcurl then sends no Expect of its own and never waits for a 100.
           "Expect: "},
-      responseSizeLimit_(responseSizeLimit) {}
+      responseSizeLimit_(responseSizeLimit),
+      bodyBlock_(std::move(bodyBlock)) {}
 
 void HttpRequest::setBody(const void* data, uint64_t length) {
   setOption(handle_, CURLOPT_POSTFIELDS, data);
@@ -96,7 +98,7 @@ std::unique_ptr<Response> HttpRequest::perform() {
   const HeaderList list = headerList(headers_);
   setOption(handle_, CURLOPT_HTTPHEADER, list.get());
 
-  auto response = std::make_unique<HttpResponse>(responseSizeLimit_);
+  auto response = std::make_unique<HttpResponse>(responseSizeLimit_, bodyBlock_->take());
   Transfer transfer{*response, nullptr};
   setOption(handle_, CURLOPT_HEADERFUNCTION, &onHeader);
   setOption(handle_, CURLOPT_HEADERDATA, static_cast<void*>(&transfer));

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "http/byte_block.h"
 #include "http/curl_handle.h"
 #include "http/qx_client.h"
 
@@ -14,7 +15,9 @@ namespace orb {
 /// every request sets all that are its own.
 class HttpRequest : public Request {
  public:
-  HttpRequest(CurlHandle handle, const std::string& url, uint32_t responseSizeLimit);
+  /// Responses collect their bodies in the kept block.
+  HttpRequest(CurlHandle handle, const std::string& url, uint32_t responseSizeLimit,
+              boost::shared_ptr<KeptBlock> bodyBlock);
 
   void setBody(const void* data, uint64_t length) override;
   std::unique_ptr<Response> perform() override;
@@ -24,6 +27,7 @@ class HttpRequest : public Request {
   std::string url_;
   std::vector<std::string> headers_;
   uint32_t responseSizeLimit_;  // bytes
+  boost::shared_ptr<KeptBlock> bodyBlock_;
 };
 
 }  // namespace orb

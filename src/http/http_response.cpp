@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "http/http_response.h"
 
+#include <algorithm>
 #include <boost/algorithm/string/trim.hpp>
 #include <boost/lexical_cast.hpp>
 #include <cstring>
-#include <new>
+#include <utility>
 
 namespace orb {
 namespace {
@@ -33,15 +34,16 @@ uint64_t announcedLengthIn(const std::string& line) {
 
 }  // namespace
 
-HttpResponse::HttpResponse(uint32_t sizeLimitBytes) : sizeLimitBytes_(sizeLimitBytes) {
-  grow(1);
+HttpResponse::HttpResponse(uint32_t sizeLimitBytes, boost::shared_ptr<ByteBlock> block)
+    : block_(std::move(block)), sizeLimitBytes_(sizeLimitBytes) {
+  block_->reserve(1, 0);  // so that an empty body has an address
 }
 
 bool HttpResponse::appendBody(const void* bytes, size_t length) {
   if (announcedLength_ > sizeLimitBytes_) return false;
   if (length == 0) return true;
-  grow(bodySize_ + length);
-  std::memcpy(body_.get() + bodySize_, bytes, length);
+  reserve(bodySize_ + length);
+  std::memcpy(block_->data() + bodySize_, bytes, length);
   bodySize_ += length;
   return true;
 }
@@ -54,11 +56,13 @@ void HttpResponse::addHeader(const std::string& line) {
   }
 }
 
-void HttpResponse::grow(size_t size) {
-  void* grown = std::realloc(body_.get(), size);
-  if (grown == nullptr) throw std::bad_alloc();
-  static_cast<void>(body_.release());
-  body_.reset(static_cast<uint8_t*>(grown));
+// The announced length, at most the limit here, is taken at once, and not trusted
+// further: what comes beyond it grows the block by half.
+void HttpResponse::reserve(size_t size) {
+  const size_t capacity = block_->capacity();
+  if (size <= capacity) return;
+  block_->reserve(std::max({size, size_t{announcedLength_}, capacity + capacity / 2}),
+                  bodySize_);
 }
 
 }  // namespace orb

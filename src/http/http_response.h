@@ -2,11 +2,12 @@
 #ifndef ORB_HTTP_HTTP_RESPONSE_H_
 #define ORB_HTTP_HTTP_RESPONSE_H_
 
-#include <cstdlib>
-#include <memory>
+#include <boost/make_shared.hpp>
+#include <boost/shared_ptr.hpp>
 #include <string>
 #include <vector>
 
+#include "http/byte_block.h"
 #include "http/qx_client.h"
 
 namespace orb {
@@ -15,10 +16,13 @@ namespace orb {
 /// announced length exceeds the limit; what arrives unannounced is kept whole.
 class HttpResponse : public Response {
  public:
-  /// Throws std::bad_alloc.
-  explicit HttpResponse(uint32_t sizeLimitBytes);
+  /// Collects the body in the block, which it holds as long as it lives. Throws
+  /// std::bad_alloc.
+  explicit HttpResponse(uint32_t sizeLimitBytes, boost::shared_ptr<ByteBlock> block =
+                                                     boost::make_shared<ByteBlock>());
+  ~HttpResponse() override { block_->trim(bodySize_); }
 
-  const uint8_t* getBody() const override { return body_.get(); }
+  const uint8_t* getBody() const override { return block_->data(); }
   uint64_t getBodySize() const override { return bodySize_; }
   uint32_t getStatusCode() const override { return statusCode_; }
   std::string getStatusMessage() const override { return reasonPhrase_; }
@@ -31,15 +35,11 @@ class HttpResponse : public Response {
   void addHeader(const std::string& line);
 
  private:
-  struct Free {
-    void operator()(uint8_t* p) const { std::free(p); }
-  };
-
-  void grow(size_t size);
+  void reserve(size_t size);
 
   uint32_t statusCode_ = 0;
   std::string reasonPhrase_;
-  std::unique_ptr<uint8_t, Free> body_;
+  boost::shared_ptr<ByteBlock> block_;
   uint64_t bodySize_ = 0;
   std::vector<std::string> headers_;
   uint64_t announcedLength_ = 0;  // 0 until a server announces one: never refused

@@ -2,6 +2,7 @@
 #include "http/qx_http_client.h"
 
 #include <algorithm>
+#include <boost/make_shared.hpp>
 #include <stdexcept>
 
 #include "http/curl_handle.h"
@@ -28,7 +29,7 @@ void setText(const CurlHandle& handle, CURLoption option, const char* text) {
 }  // namespace
 
 QXHttpClient::QXHttpClient(const QXClientConfig& config)
-    : config_(config), handle_(newHandle()) {
+    : config_(config), handle_(newHandle()), bodyBlock_(boost::make_shared<KeptBlock>()) {
   applyConfig();
 }
 
@@ -48,7 +49,8 @@ void QXHttpClient::applyConfig() {
 }
 
 std::unique_ptr<Request> QXHttpClient::createRequest(const std::string& url) {
-  return std::make_unique<HttpRequest>(handle_, url, config_.getResponseSizeLimit());
+  return std::make_unique<HttpRequest>(handle_, url, config_.getResponseSizeLimit(),
+                                       bodyBlock_);
 }
 
 void QXHttpClient::initializeGlobally() {

@@ -4,6 +4,7 @@
 
 #include <boost/shared_ptr.hpp>
 
+#include "http/byte_block.h"
 #include "http/qx_client.h"
 #include "http/qx_http_client_config.h"
 
@@ -28,6 +29,7 @@ class QXHttpClient : public QXClient {
 
   QXHttpClientConfig config_;
   boost::shared_ptr<void> handle_;
+  boost::shared_ptr<KeptBlock> bodyBlock_;  // kept between requests
 };
 
 }  // namespace orb

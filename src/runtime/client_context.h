@@ -6,6 +6,7 @@
 #include <exception>
 #include <memory>
 
+#include "http/byte_block.h"
 #include "http/qx_client.h"
 #include "orb/qxorbclient.h"
 #include "runtime/error_state.h"
@@ -14,6 +15,7 @@
 struct orbClientContext {
   std::unique_ptr<orb::QXClient> client;  // null when it could not be made
   orb::ErrorState lastError;
+  orb::ByteBlock requestBlock;  // kept between calls
 };
 
 namespace orb {

@@ -1,60 +1,46 @@
 // SPDX-License-Identifier: MIT
-#include <google/protobuf/io/coded_stream.h>
-#include <google/protobuf/io/zero_copy_stream_impl_lite.h>
-
+#include <algorithm>
+#include <boost/noncopyable.hpp>
 #include <memory>
+#include <new>
 #include <stdexcept>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "array/checked_cast.h"
 #include "array/orb_array_from_kaldex_array_factory.h"
-#include "orb.client.KALDEXResult.pb.h"
-#include "runtime/borrowed_inputs.h"
+#include "runtime/call_body.h"
 #include "runtime/client_context.h"
+#include "runtime/result_decoder.h"
 
 namespace orb {
 namespace {
 
-/// The bytes of a request.
-struct Encoded {
-  std::unique_ptr<uint8_t[]> bytes;
-  size_t size;
+/// The bytes of a request, in the context's block.
+class EncodedCall : boost::noncopyable {
+ public:
+  EncodedCall(ByteBlock& block, uint32_t nlhs, uint32_t nrhs, const orbArray* rhs)
+      : block_(block) {
+    const int32_t inputs = rhs == nullptr ? 0 : static_cast<int32_t>(nrhs);
+    size_ = encodeCall(nlhs, rhs, std::max(inputs, 0), block_);
+  }
+  ~EncodedCall() { block_.trim(size_); }
+
+  const uint8_t* data() const { return block_.data(); }
+  size_t size() const { return size_; }
+
+ private:
+  ByteBlock& block_;
+  size_t size_ = 0;
 };
 
-// Beyond 31 bits the message library cannot count, and would write a broken message.
-Encoded encode(const client::KALDEX_Params& params) {
-  const size_t size = params.ByteSizeLong();
-  checkedInt32(size);
-  Encoded encoded{std::unique_ptr<uint8_t[]>(new uint8_t[size]), size};
-  params.SerializeWithCachedSizesToArray(encoded.bytes.get());
-  return encoded;
-}
-
-Encoded encodeCall(uint32_t nlhs, uint32_t nrhs, const orbArray* rhs) {
-  BorrowedInputs call(nlhs);
-  const int32_t inputs = static_cast<int32_t>(nrhs);
-  if (rhs != nullptr && inputs >= 1) call.add(rhs, inputs);
-  return encode(call.params());
-}
-
-std::unique_ptr<Response> post(QXClient& client, const char* url, const Encoded& body) {
+std::unique_ptr<Response> post(QXClient& client, const char* url,
+                               const EncodedCall& body) {
   if (url == nullptr) throw std::logic_error("The URL is null.");
   std::unique_ptr<Request> request = client.createRequest(url);
-  request->setBody(body.bytes.get(), body.size);
+  request->setBody(body.data(), body.size());
   return request->perform();
-}
-
-// Whether all of it could be parsed is not asked: what was read before a stop is used,
-// and the checks on error and outputs decide. The limit is a signed number to the parser:
-// from 2^31 up it reads nothing.
-void decode(const Response& response, uint32_t limitBytes,
-            client::KALDEX_Result& result) {
-  const int32_t size = checkedInt32(response.getBodySize());
-  google::protobuf::io::ArrayInputStream bytes(response.getBody(), size);
-  google::protobuf::io::CodedInputStream input(&bytes);
-  input.SetTotalBytesLimit(static_cast<int32_t>(limitBytes));
-  static_cast<void>(result.ParseFromCodedStream(&input));
 }
 
 void checkOutputCount(int received, uint32_t wanted) {
@@ -73,29 +59,57 @@ void storeOutputs(client::KALDEX_Result& result, orbArray* lhs) {
   }
 }
 
+/// Tries the short way from the body to the outputs. Where memory ends on it, the outputs
+/// made so far are stored.
+bool receiveDirectly(wire::Slice body, uint32_t limitBytes, uint32_t nlhs,
+                     orbArray* lhs) {
+  std::vector<UniqueHandle> outputs;
+  const auto store = [&] {
+    for (size_t i = 0; i < outputs.size(); ++i) {
+      if (outputs[i]) lhs[i] = outputs[i].release();
+    }
+  };
+  try {
+    const bool received = readOutputs(body, limitBytes, nlhs, outputs);
+    if (received) store();
+    return received;
+  } catch (const std::bad_alloc&) {
+    store();
+    throw;
+  }
+}
+
+orbStatus receive(orbClientContext& context, const Response& response, uint32_t nlhs,
+                  orbArray* lhs) {
+  const wire::Slice body{response.getBody(), response.getBodySize()};
+  const uint32_t limitBytes = context.client->getConfig().getResponseSizeLimit();
+  checkedInt32(body.size);
+  if (receiveDirectly(body, limitBytes, nlhs, lhs)) return ORB_OK;
+  client::KALDEX_Result result;
+  parseResult(body, limitBytes, result);
+  if (result.has_error()) {
+    context.lastError.recordServerError(*result.mutable_error());
+    return ORB_FAILURE;
+  }
+  checkOutputCount(result.lhs_size(), nlhs);
+  storeOutputs(result, lhs);
+  return ORB_OK;
+}
+
 }  // namespace
 
 orbStatus feval(orbClientContext* context, const char* url, uint32_t nlhs, orbArray* lhs,
                 uint32_t nrhs, const orbArray* rhs) {
   return guarded(*context, [&] {
     if (!context->client) throw std::logic_error("The client context has no client.");
-    QXClient& client = *context->client;
-    const Encoded body = encodeCall(nlhs, nrhs, rhs);
-    const std::unique_ptr<Response> response = post(client, url, body);
+    const EncodedCall body(context->requestBlock, nlhs, nrhs, rhs);
+    const std::unique_ptr<Response> response = post(*context->client, url, body);
     if (response->getStatusCode() != 200) {
       context->lastError.recordHttpError(response->getStatusCode(),
                                          response->getStatusMessage());
       return ORB_FAILURE;
     }
-    client::KALDEX_Result result;
-    decode(*response, client.getConfig().getResponseSizeLimit(), result);
-    if (result.has_error()) {
-      context->lastError.recordServerError(*result.mutable_error());
-      return ORB_FAILURE;
-    }
-    checkOutputCount(result.lhs_size(), nlhs);
-    storeOutputs(result, lhs);
-    return ORB_OK;
+    return receive(*context, *response, nlhs, lhs);
   });
 }
 

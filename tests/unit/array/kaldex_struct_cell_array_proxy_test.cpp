@@ -227,18 +227,12 @@ TEST(CellProxyResize, CountsFieldsWhereTheMessageIsAStruct) {
   EXPECT_EQ(proxy.elements().size(), 4u);
 }
 
-TEST(Materialised, GivesANullEntryAnEmptySlot) {
-  SharedMessage entry;
-  EXPECT_THAT(*materialised(entry), IsMessage(kEmptySlot));
-  ASSERT_NE(entry, nullptr);
-  EXPECT_EQ(&materialised(entry), &entry);
-}
-
-TEST(Materialised, LeavesOtherEntriesAlone) {
-  SharedMessage entry = shared(kA);
-  const KALDEX_Array* message = entry.get();
-  EXPECT_EQ(materialised(entry).get(), message);
-  EXPECT_THAT(*entry, IsMessage(kA));
+TEST(CellProxyElement, OfANullEntryIsAnEmptySlot) {
+  KALDEXCellArrayProxy proxy(shared("type: CELL"));
+  proxy.elements() = {nullptr, shared(kA)};
+  EXPECT_THAT(*proxy.element(0), IsMessage(kEmptySlot));
+  EXPECT_EQ(proxy.element(0), proxy.elements()[0]);
+  EXPECT_THAT(*proxy.element(1), IsMessage(kA));
 }
 
 }  // namespace

@@ -225,7 +225,27 @@ TEST(AppendBody, JoinsChunksByteForByte) {
   EXPECT_EQ(bodyOf(response), body);
 }
 
-TEST(AppendBody, GrowsTheBlockToTheExactSizeOnceAChunk) {
+TEST(AppendBody, TakesTheAnnouncedLengthAtOnce) {
+  HttpResponse response(100);
+  response.addHeader("HTTP/1.1 200 OK\r\n");
+  response.addHeader("Content-Length: 100\r\n");
+  WatchedRealloc watched;
+  for (int i = 0; i < 100; ++i) response.appendBody("x", 1);
+  EXPECT_THAT(watched.sizes, ElementsAre(100));
+  response.appendBody("y", 1);  // more than was announced
+  EXPECT_THAT(watched.sizes, ElementsAre(100, 150));
+}
+
+TEST(AppendBody, GrowsAnUnannouncedBodyByHalf) {
+  HttpResponse response(0);
+  const std::string chunk(16384, 'x');
+  WatchedRealloc watched;
+  for (int i = 0; i < 1000; ++i) response.appendBody(chunk.data(), chunk.size());
+  EXPECT_EQ(response.getBodySize(), 16384000u);
+  EXPECT_LT(watched.sizes.size(), 25u);
+}
+
+TEST(AppendBody, GrowsTheBlockAtMostOnceAChunk) {
   HttpResponse response(0);
   WatchedRealloc watched;
   response.appendBody("abc", 3);

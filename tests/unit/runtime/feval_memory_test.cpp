@@ -5,10 +5,11 @@
 #include <string>
 
 #include "array/handle.h"
-#include "runtime/borrowed_inputs.h"
+#include "runtime/call_body.h"
 #include "support/array.h"
 #include "support/failing_new.h"
 #include "support/wire.h"
+#include "unit/http/failing_realloc.h"
 #include "unit/runtime/last_error.h"
 #include "unit/runtime/with_fake_client.h"
 
@@ -97,17 +98,16 @@ Array byteColumn(size_t size) {
 
 /// What an input adds to a request.
 size_t requestBytesOf(orbArray input) {
-  BorrowedInputs call(0);
-  const size_t without = call.params().ByteSizeLong();
-  call.add(&input, 1);
-  return call.params().ByteSizeLong() - without;
+  ByteBlock block;
+  return encodeCall(0, &input, 1, block) - encodeCall(0, nullptr, 0, block);
 }
 
 // The same handle many times: a request of 2 GiB from arrays of 16 MiB.
 TEST_F(FevalMemory, RefusesRequestsAbove31Bits) {
   constexpr size_t kHighest = 2147483647;
   constexpr size_t kBlock = size_t{1} << 24;
-  const size_t empty = BorrowedInputs(0).params().ByteSizeLong();
+  ByteBlock bytes;
+  const size_t empty = encodeCall(0, nullptr, 0, bytes);
   const Array block = byteColumn(kBlock);
   const size_t rest = kHighest - empty - 127 * requestBytesOf(block);
   const size_t overhead = requestBytesOf(byteColumn(rest - 64)) - (rest - 64);
@@ -123,10 +123,9 @@ TEST_F(FevalMemory, RefusesRequestsAbove31Bits) {
 
   // The highest size passes, and asks for memory that the test need not have.
   inputs.back() = last;
-  FailingNew failing = FailingNew::forAtLeast(kHighest);
-  const orbStatus status = call(outputs, inputs);
-  EXPECT_TRUE(failing.stop());
-  EXPECT_EQ(status, ORB_FAILURE);
+  WatchedRealloc watched;
+  watched.failingSize = kHighest;
+  EXPECT_EQ(call(outputs, inputs), ORB_FAILURE);
   EXPECT_EQ(lastErrorOf(context_), genericError("std::bad_alloc"));
 
   EXPECT_THAT(server_.urls, IsEmpty());

@@ -1,0 +1,150 @@
+// SPDX-License-Identifier: MIT
+#include "array/native_array_proxy.h"
+
+#include <google/protobuf/repeated_field.h>
+
+#include <algorithm>
+#include <boost/make_shared.hpp>
+#include <utility>
+
+#include "array/array_head.h"
+#include "array/checked_cast.h"
+#include "array/packed_varints.h"
+#include "array/proxy_classes.h"
+
+namespace orb {
+namespace {
+
+/// The low 16 bits of each element.
+template <class Native, class Wire>
+std::vector<Native> narrowed(const google::protobuf::RepeatedField<Wire>& list) {
+  std::vector<Native> elements(static_cast<size_t>(list.size()));
+  std::transform(list.begin(), list.end(), elements.begin(),
+                 [](Wire unit) { return static_cast<Native>(unit); });
+  return elements;
+}
+
+template <QXType T>
+std::vector<NativeElement<T>> realOf(const KALDEX_Array& message) {
+  return narrowed<NativeElement<T>>(Payload<T>::of(message).elements());
+}
+
+template <QXType T>
+std::vector<NativeElement<T>> imagOf(const KALDEX_Array& message) {
+  if constexpr (kIsNumeric<T>) {
+    return narrowed<NativeElement<T>>(Payload<T>::of(message).imag_elements());
+  } else {
+    return {};
+  }
+}
+
+/// Overwrites the list in place. Its length is its own: another handle of the array may
+/// have resized it since the elements were read, so what either has more than the other
+/// stays.
+template <class Native, class Wire>
+void widen(const std::vector<Native>& elements,
+           google::protobuf::RepeatedField<Wire>& list) {
+  const size_t common = std::min(elements.size(), static_cast<size_t>(list.size()));
+  std::copy_n(elements.begin(), common, list.begin());
+}
+
+size_t packedFieldSize(int field, size_t size) {
+  return size == 0 ? 0 : wire::fieldSize(field, size);
+}
+
+template <class Native>
+uint8_t* writePackedField(int field, size_t size, const std::vector<Native>& elements,
+                          size_t count, uint8_t* target) {
+  if (size == 0) return target;
+  target = wire::writeFieldHead(field, size, target);
+  return wire::writePacked(elements.data(), count, target);
+}
+
+}  // namespace
+
+template <QXType T>
+NativeArrayProxy<T>::NativeArrayProxy(SharedMessage message, MessageUse use)
+    : KALDEXArrayProxy(std::move(message), use),
+      real_(realOf<T>(this->message())),
+      imag_(imagOf<T>(this->message())),
+      listsDeferred_(false) {}
+
+template <QXType T>
+NativeArrayProxy<T>::NativeArrayProxy(SharedMessage message, std::vector<Native> real,
+                                      std::vector<Native> imag)
+    : KALDEXArrayProxy(std::move(message), MessageUse::kOwn),
+      real_(std::move(real)),
+      imag_(std::move(imag)),
+      listsDeferred_(true),
+      realOnWire_(real_.size()),
+      imagOnWire_(imag_.size()) {
+  setComplex(!imag_.empty());
+}
+
+template <QXType T>
+void NativeArrayProxy<T>::resize(int32_t count) {
+  const size_t size = static_cast<size_t>(count);
+  if (!listsDeferred_) KALDEXArrayProxy::resize(count);
+  real_.resize(size);
+  if (isComplex()) imag_.resize(size);
+  // As in the message: an imaginary list that was emptied does not come back.
+  realOnWire_ = size;
+  if (imagOnWire_ != 0) imagOnWire_ = size;
+}
+
+template <QXType T>
+void NativeArrayProxy<T>::flushToMessage() {
+  auto& payload = Payload<T>::in(message());
+  if (listsDeferred_) payload.mutable_elements()->Resize(checkedInt32(realOnWire_), 0);
+  if constexpr (kIsNumeric<T>) {
+    if (listsDeferred_)
+      payload.mutable_imag_elements()->Resize(checkedInt32(imagOnWire_), 0);
+    widen(imag_, *payload.mutable_imag_elements());
+  }
+  listsDeferred_ = false;
+  widen(real_, *payload.mutable_elements());
+}
+
+template <QXType T>
+std::unique_ptr<KALDEXArrayProxy> NativeArrayProxy<T>::duplicate() {
+  if (!listsDeferred_) flushToMessage();
+  auto copy = boost::make_shared<KALDEX_Array>(message());
+  if (!listsDeferred_) return std::make_unique<ProxyOf<T>>(std::move(copy));
+  const auto onWire = [](const std::vector<Native>& elements, size_t count) {
+    return std::vector<Native>(elements.data(), elements.data() + count);
+  };
+  return std::make_unique<ProxyOf<T>>(std::move(copy), onWire(real_, realOnWire_),
+                                      onWire(imag_, imagOnWire_));
+}
+
+template <QXType T>
+Sending NativeArrayProxy<T>::sending() {
+  const bool isDirect =
+      listsDeferred_ &&
+      holdsOnlyHeadAnd(message(), Payload<T>::isIn(message()), kPayloadField<T>, 0);
+  return isDirect ? Sending::kDirect : Sending::kWrittenBack;
+}
+
+template <QXType T>
+WireSizes NativeArrayProxy<T>::measureWire() const {
+  WireSizes sizes{};
+  sizes.real = wire::packedSize(real_.data(), realOnWire_);
+  sizes.imag = wire::packedSize(imag_.data(), imagOnWire_);
+  sizes.payload = packedFieldSize(1, sizes.real) + packedFieldSize(2, sizes.imag);
+  sizes.total = headSize(message()) + wire::fieldSize(kPayloadField<T>, sizes.payload);
+  return sizes;
+}
+
+template <QXType T>
+uint8_t* NativeArrayProxy<T>::writeWire(const WireSizes& sizes, uint8_t* target) const {
+  target = writeHead(message(), target);
+  target = wire::writeFieldHead(kPayloadField<T>, sizes.payload, target);
+  target = writePackedField(1, sizes.real, real_, realOnWire_, target);
+  return writePackedField(2, sizes.imag, imag_, imagOnWire_, target);
+}
+
+template class NativeArrayProxy<KALDEX_Array::UINT16>;
+template class NativeArrayProxy<KALDEX_Array::INT16>;
+template class NativeArrayProxy<KALDEX_Array::CHAR>;
+
+}  // namespace orb

@@ -1,0 +1,199 @@
+// SPDX-License-Identifier: MIT
+#include "array/packed_varints.h"
+
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
+
+#include <algorithm>
+#include <type_traits>
+
+namespace orb::wire {
+namespace {
+
+// Elements or bytes that are looked at together. Text is mostly ASCII and small integers
+// are common: blocks in which every element takes one byte are moved as a whole.
+constexpr size_t kBlock = 64;
+
+bool isNegative(int16_t element) { return element < 0; }
+bool isNegative(uint16_t) { return false; }
+bool isNegative(char16_t) { return false; }
+
+// Sums in 16 bits, which the compiler does many at a time.
+template <class Element, class Count>
+size_t sum(const Element* elements, size_t size, Count countOf) {
+  constexpr size_t kNoOverflow = UINT16_MAX / kMaxVarintSize;
+  size_t total = 0;
+  for (size_t i = 0; i < size; i += kNoOverflow) {
+    const size_t end = std::min(size, i + kNoOverflow);
+    uint16_t part = 0;
+    for (size_t j = i; j < end; ++j)
+      part = static_cast<uint16_t>(part + countOf(elements[j]));
+    total += part;
+  }
+  return total;
+}
+
+/// A varint of up to three bytes, lowest first, as a number; the bytes behind it are 0.
+uint32_t spread(uint16_t element) {
+  const uint32_t value = element;
+  const uint32_t more = (value >= 0x80 ? 0x80u : 0) | (value >= 0x4000 ? 0x8000u : 0);
+  return (value & 0x7F) | (value & 0x3F80) << 1 | (value & 0xC000) << 2 | more;
+}
+
+uint32_t spreadSize(uint16_t element) {
+  return 1u + (element >= 0x80) + (element >= 0x4000);
+}
+
+/// Writes a block of varints of up to three bytes. Nothing branches on their sizes, which
+/// in random data no processor can guess; up to seven bytes behind the last are scratch.
+template <class Native>
+uint8_t* writeBlock(const Native* elements, uint8_t* target) {
+  uint32_t bytes[kBlock];
+  uint32_t sizes[kBlock];
+  for (size_t i = 0; i < kBlock; ++i) {
+    bytes[i] = spread(static_cast<uint16_t>(elements[i]));
+    sizes[i] = spreadSize(static_cast<uint16_t>(elements[i]));
+  }
+  for (size_t i = 0; i < kBlock; i += 2) {
+    const uint64_t pair = bytes[i] | uint64_t{bytes[i + 1]} << (8 * sizes[i]);
+    std::memcpy(target, &pair, sizeof pair);
+    target += sizes[i] + sizes[i + 1];
+  }
+  return target;
+}
+
+template <class Native>
+uint16_t allBits(const Native* block) {
+  uint16_t bits = 0;
+  for (size_t i = 0; i < kBlock; ++i) bits |= static_cast<uint16_t>(block[i]);
+  return bits;
+}
+
+/// Bit i says whether byte i of a block ends a varint.
+uint64_t endsOfVarints(const uint8_t* block) {
+  uint64_t ends = 0;
+#ifdef __SSE2__
+  for (size_t i = 0; i < kBlock; i += 16) {
+    const __m128i part = _mm_loadu_si128(reinterpret_cast<const __m128i*>(block + i));
+    ends |= uint64_t{static_cast<uint16_t>(~_mm_movemask_epi8(part))} << i;
+  }
+#else
+  for (size_t i = 0; i < kBlock; ++i) ends |= uint64_t{block[i] < 0x80} << i;
+#endif
+  return ends;
+}
+
+/// Reads one varint of any length the message library takes; null when there is none.
+const uint8_t* readOne(const uint8_t* at, const uint8_t* end, uint16_t& bits) {
+  uint64_t value = 0;
+  for (size_t i = 0; i < kMaxVarintSize && at != end; ++i) {
+    const uint8_t byte = *at++;
+    value |= uint64_t{byte & 0x7Fu} << (7 * i);
+    if (byte < 0x80) {
+      bits = static_cast<uint16_t>(value);
+      return at;
+    }
+  }
+  return nullptr;
+}
+
+/// The low 16 bits of a varint of `size` bytes, at most four, that are the highest of a
+/// word.
+uint16_t gather(uint32_t word, size_t size) {
+  word >>= 32 - 8 * size;
+  return static_cast<uint16_t>((word & 0x7F) | (word >> 1 & 0x3F80) |
+                               (word >> 2 & 0xC000));
+}
+
+/// Reads the varints of a block as far as they are short and end in it, and gives their
+/// end. The three bytes in front of the block can be read.
+template <class Native>
+const uint8_t* readBlock(const uint8_t* block, Native*& target) {
+  const uint8_t* start = block;
+  for (uint64_t ends = endsOfVarints(block); ends != 0; ends &= ends - 1) {
+    const uint8_t* const next = block + __builtin_ctzll(ends) + 1;
+    const size_t size = static_cast<size_t>(next - start);
+    if (size > sizeof(uint32_t)) break;
+    uint32_t word = 0;
+    std::memcpy(&word, next - sizeof word, sizeof word);
+    *target++ = static_cast<Native>(gather(word, size));
+    start = next;
+  }
+  return start;
+}
+
+}  // namespace
+
+template <class Native>
+size_t packedSize(const Native* elements, size_t count) {
+  return sum(elements, count, [](Native element) {
+    const auto bits = static_cast<uint16_t>(element);
+    const int unsignedSize = 1 + (bits >= 0x80) + (bits >= 0x4000);
+    return unsignedSize + isNegative(element) * (int{kMaxVarintSize} - 3);
+  });
+}
+
+template <class Native>
+uint8_t* writePacked(const Native* elements, size_t count, uint8_t* target) {
+  size_t i = 0;
+  // As many elements stay behind every block as scratch bytes may be written.
+  for (; i + kBlock + sizeof(uint64_t) <= count; i += kBlock) {
+    const uint16_t bits = allBits(elements + i);
+    if (bits < 0x80) {
+      std::transform(elements + i, elements + i + kBlock, target,
+                     [](Native element) { return static_cast<uint8_t>(element); });
+      target += kBlock;
+    } else if (isNegative(static_cast<Native>(bits))) {
+      for (size_t j = i; j < i + kBlock; ++j) {
+        target = writeVarint(static_cast<uint64_t>(int64_t{elements[j]}), target);
+      }
+    } else {
+      target = writeBlock(elements + i, target);
+    }
+  }
+  for (; i < count; ++i) {
+    target = writeVarint(static_cast<uint64_t>(int64_t{elements[i]}), target);
+  }
+  return target;
+}
+
+template <class Native>
+bool readPacked(Slice bytes, std::vector<Native>& elements) {
+  elements.resize(sum(bytes.data, bytes.size, [](uint8_t byte) { return byte < 0x80; }));
+  const uint8_t* at = bytes.data;
+  const uint8_t* const end = at + bytes.size;
+  Native* target = elements.data();
+  while (at != end) {
+    const bool isBlock = end - at >= static_cast<ptrdiff_t>(kBlock);
+    if (isBlock && endsOfVarints(at) == UINT64_MAX) {
+      target = std::copy_n(at, kBlock, target);
+      at += kBlock;
+      continue;
+    }
+    const bool hasWordBefore =
+        at - bytes.data >= static_cast<ptrdiff_t>(sizeof(uint32_t));
+    if (isBlock && hasWordBefore) {
+      const uint8_t* const start = at;
+      at = readBlock(at, target);
+      if (at != start) continue;
+    }
+    uint16_t bits = 0;
+    at = readOne(at, end, bits);
+    if (at == nullptr) return false;
+    *target++ = static_cast<Native>(bits);
+  }
+  return true;
+}
+
+template size_t packedSize(const uint16_t*, size_t);
+template size_t packedSize(const int16_t*, size_t);
+template size_t packedSize(const char16_t*, size_t);
+template uint8_t* writePacked(const uint16_t*, size_t, uint8_t*);
+template uint8_t* writePacked(const int16_t*, size_t, uint8_t*);
+template uint8_t* writePacked(const char16_t*, size_t, uint8_t*);
+template bool readPacked(Slice, std::vector<uint16_t>&);
+template bool readPacked(Slice, std::vector<int16_t>&);
+template bool readPacked(Slice, std::vector<char16_t>&);
+
+}  // namespace orb::wire

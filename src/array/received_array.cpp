@@ -1,0 +1,163 @@
+// SPDX-License-Identifier: MIT
+#include "array/received_array.h"
+
+#include <google/protobuf/io/coded_stream.h>
+
+#include <boost/make_shared.hpp>
+#include <utility>
+
+#include "array/canonical_form.h"
+#include "array/orb_array_from_kaldex_array_factory.h"
+#include "array/packed_varints.h"
+
+namespace orb {
+namespace {
+
+using wire::Slice;
+
+/// Reads one array of a type known at compile time.
+class WireArrayReader {
+ public:
+  explicit WireArrayReader(Slice bytes) : bytes_(bytes) {}
+
+  template <QXType T>
+  void visit() {
+    if constexpr (kIsNative16<T>) {
+      readNative<T>();
+    } else if constexpr (kIsContainer<T>) {
+      readContainer<T>();
+    } else {
+      readMessage<T>();
+    }
+  }
+
+  UniqueHandle takeHandle() { return std::move(handle_); }
+
+ private:
+  // An array is one message inside the reply's, and may be that much less deep.
+  static constexpr int kDepthLeft = 99;
+
+  template <QXType T>
+  void readMessage() {
+    google::protobuf::io::CodedInputStream input(bytes_.data,
+                                                 static_cast<int>(bytes_.size));
+    input.SetRecursionLimit(kDepthLeft);
+    auto message = boost::make_shared<KALDEX_Array>();
+    const bool parsed =
+        message->ParseFromCodedStream(&input) && input.ConsumedEntireMessage();
+    // The last of several types counts, and may be one that nobody can hold.
+    if (parsed && message->type() == T) {
+      handle_ = handleOver(std::move(message), MessageUse::kOwn);
+    }
+  }
+
+  template <QXType T>
+  void readNative() {
+    using Elements = std::vector<NativeElement<T>>;
+    Slice payload{};
+    SharedMessage message = readUpToPayload<T>(payload);
+    Elements real;
+    Elements imag;
+    wire::Reader reader(payload);
+    if (!message || !readPackedField(1, reader, real)) return;
+    if (kIsNumeric<T> && !readPackedField(2, reader, imag)) return;
+    if (reader.atEnd()) place<T>(std::move(message), std::move(real), std::move(imag));
+  }
+
+  template <QXType T>
+  void readContainer() {
+    Slice payload{};
+    SharedMessage message = readUpToPayload<T>(payload);
+    if (!message) return;
+    const uint8_t* elementsStart = payload.data;
+    std::vector<Slice> elements;
+    wire::Reader reader(payload);
+    while (!reader.atEnd()) {
+      const bool isName = T == KALDEX_Array::STRUCT && elements.empty() &&
+                          *reader.position() == wire::tagOf(1, wire::kLengthDelimited);
+      Slice part{};
+      if (!readField(isName ? 1 : kElementsField<T>, reader, part)) return;
+      if (isName) {
+        elementsStart = reader.position();
+      } else {
+        if (!wire::isCanonicalArray(part)) return;
+        elements.push_back(part);
+      }
+    }
+    const Slice names{payload.data, static_cast<size_t>(elementsStart - payload.data)};
+    if (names.size != 0 && !parse(names, Payload<T>::in(*message))) return;
+    const Slice rest{elementsStart, payload.size - names.size};
+    place<T>(std::move(message), PendingElements(rest, elements));
+  }
+
+  template <QXType T>
+  static constexpr int kElementsField = T == KALDEX_Array::STRUCT ? 2 : 1;
+
+  /// Splits the array in front of the payload of T, which comes last in what the message
+  /// library writes, and gives the message of what is before; null when there is anything
+  /// else.
+  template <QXType T>
+  SharedMessage readUpToPayload(Slice& payload) const {
+    wire::Reader reader(bytes_);
+    Slice before{};
+    if (!wire::readCanonicalFieldsBelow(kPayloadField<T>, reader)) return nullptr;
+    before = {bytes_.data, static_cast<size_t>(reader.position() - bytes_.data)};
+    payload = {reader.position(), 0};
+    if (!reader.atEnd() && !readField(kPayloadField<T>, reader, payload)) return nullptr;
+    if (!reader.atEnd()) return nullptr;
+    auto message = boost::make_shared<KALDEX_Array>();
+    return parse(before, *message) ? message : nullptr;
+  }
+
+  static bool parse(Slice bytes, google::protobuf::MessageLite& message) {
+    return message.ParseFromArray(bytes.data, static_cast<int>(bytes.size));
+  }
+
+  /// Reads a length-delimited field, which must come next.
+  static bool readField(int field, wire::Reader& reader, Slice& bytes) {
+    uint64_t tag = 0;
+    return reader.readVarint(tag) && tag == wire::tagOf(field, wire::kLengthDelimited) &&
+           reader.readLengthDelimited(bytes);
+  }
+
+  /// Reads the elements of a packed field, none when it does not come next.
+  template <class Native>
+  static bool readPackedField(int field, wire::Reader& reader,
+                              std::vector<Native>& elements) {
+    if (reader.atEnd() ||
+        *reader.position() != wire::tagOf(field, wire::kLengthDelimited)) {
+      return true;
+    }
+    Slice bytes{};
+    return readField(field, reader, bytes) && wire::readPacked(bytes, elements);
+  }
+
+  template <QXType T, class... Parts>
+  void place(SharedMessage message, Parts&&... parts) {
+    auto handle = std::make_unique<orbArrayHandle>();
+    handle->proxy =
+        std::make_unique<ProxyOf<T>>(std::move(message), std::forward<Parts>(parts)...);
+    handle_ = std::move(handle);
+  }
+
+  Slice bytes_;
+  UniqueHandle handle_;
+};
+
+}  // namespace
+
+UniqueHandle handleFromWire(Slice bytes) {
+  wire::Reader reader(bytes);
+  uint64_t tag = 0;
+  uint64_t type = 0;
+  const bool hasType =
+      reader.readVarint(tag) &&
+      tag == wire::tagOf(KALDEX_Array::kTypeFieldNumber, wire::kVarint) &&
+      reader.readVarint(type) && type <= KALDEX_Array::SPARSE;
+  if (!hasType) return nullptr;
+  WireArrayReader array(bytes);
+  dispatch_on_QXType(static_cast<QXType>(type), array);
+  return array.takeHandle();
+}
+
+}  // namespace orb

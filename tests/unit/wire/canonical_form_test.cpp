@@ -1,0 +1,99 @@
+// SPDX-License-Identifier: MIT
+#include "array/canonical_form.h"
+
+#include <gtest/gtest.h>
+
+#include "unit/wire/random_array.h"
+
+namespace orb::test {
+namespace {
+
+bool isCanonical(const std::string& bytes) {
+  return wire::isCanonicalArray(sliceOf(bytes));
+}
+
+/// What canonical bytes promise.
+void expectPromise(const std::string& bytes) {
+  if (!isCanonical(bytes)) return;
+  KALDEX_Array message;
+  ASSERT_TRUE(message.ParseFromString(bytes));
+  ASSERT_EQ(message.SerializeAsString(), bytes);
+}
+
+TEST(IsCanonicalArray, AcceptsWhatTheMessageLibraryWrites) {
+  RandomArrays random(1);
+  int accepted = 0;
+  for (int i = 0; i < 3000; ++i) {
+    KALDEX_Array message = random.array(false);
+    const std::string bytes = message.SerializeAsString();
+    expectPromise(bytes);
+    accepted += isCanonical(bytes);
+    if (message.type() < KALDEX_Array::STRUCT) {
+      EXPECT_TRUE(isCanonical(bytes)) << i;
+    }
+  }
+  EXPECT_GT(accepted, 1000);
+}
+
+TEST(IsCanonicalArray, KeepsItsPromiseForOddArrays) {
+  RandomArrays random(2);
+  for (int i = 0; i < 5000; ++i) expectPromise(random.array(true).SerializeAsString());
+}
+
+TEST(IsCanonicalArray, KeepsItsPromiseForDamagedBytes) {
+  RandomArrays random(3);
+  for (int i = 0; i < 2000; ++i) {
+    const std::string bytes = random.array(random.oneIn(3)).SerializeAsString();
+    for (int j = 0; j < 20; ++j) expectPromise(random.damaged(bytes));
+  }
+}
+
+struct Row {
+  const char* what;
+  std::string bytes;
+  bool canonical;
+};
+
+class IsCanonicalArrayOf : public ::testing::TestWithParam<Row> {};
+
+TEST_P(IsCanonicalArrayOf, SaysSo) {
+  EXPECT_EQ(isCanonical(GetParam().bytes), GetParam().canonical) << GetParam().what;
+  expectPromise(GetParam().bytes);
+}
+
+std::string nestedCells(int depth) {
+  KALDEX_Array message;
+  message.set_type(KALDEX_Array::DOUBLE);
+  for (int i = 0; i < depth; ++i) {
+    KALDEX_Array cell;
+    cell.set_type(KALDEX_Array::CELL);
+    *cell.mutable_cell()->add_elements() = message;
+    message = cell;
+  }
+  return message.SerializeAsString();
+}
+
+using namespace std::string_literals;
+
+INSTANTIATE_TEST_SUITE_P(
+    Bytes, IsCanonicalArrayOf,
+    ::testing::Values(
+        Row{"nothing", "", true}, Row{"a type", "\x08\x09", true},
+        Row{"a type that no client holds", "\x08\x0F", false},
+        Row{"a type in a long varint", "\x08\x89\x00"s, false},
+        Row{"a type twice", "\x08\x09\x08\x09", false},
+        Row{"dimensions before the type", "\x12\x02\x01\x01\x08\x09", false},
+        Row{"an empty packed list", "\x08\x09\x12\x00"s, false},
+        Row{"an unpacked dimension", "\x08\x09\x10\x01", false},
+        Row{"a list past the end", "\x08\x09\x12\x03\x01\x01", false},
+        Row{"a list that ends inside a varint", "\x08\x09\x12\x02\x01\x81", false},
+        Row{"a bool of 2", "\x08\x0A\xD2\x01\x03\x0A\x01\x02", false},
+        Row{"half a double", "\x08\x09\xCA\x01\x06\x0A\x04\x01\x01\x01\x01", false},
+        Row{"a field number beyond 29 bits", "\x82\x81\x80\x80\x80\x01\x00"s, false},
+        Row{"a varint of eleven bytes",
+            "\x08\x80\x80\x80\x80\x80\x80\x80\x80\x80\x80\x01", false},
+        Row{"cells 40 deep", nestedCells(40), true},
+        Row{"cells 41 deep", nestedCells(41), false}));
+
+}  // namespace
+}  // namespace orb::test

@@ -1,0 +1,125 @@
+// SPDX-License-Identifier: MIT
+#include "runtime/result_decoder.h"
+
+#include <gtest/gtest.h>
+
+#include <boost/make_shared.hpp>
+#include <climits>
+
+#include "array/orb_array_from_kaldex_array_factory.h"
+#include "orb/qxorbclient.h"
+#include "unit/wire/random_array.h"
+
+namespace orb::test {
+namespace {
+
+/// All that a caller can learn of an array, as text; touches every element.
+std::string observed(orbArray a) {
+  std::string text = std::to_string(orbGetClassID(a)) + (orbIsComplex(a) ? "c" : "r") +
+                     std::to_string(orbGetScalar(a)) + (orbIsEmpty(a) ? "e" : "f");
+  const UniqueHandle copy(orbDuplicateArray(a));
+  copy->proxy->flushToMessage();
+  return text + (orbIsComplex(copy.get()) ? "c" : "r") +
+         messageOf(copy.get()).SerializeAsString();
+}
+
+std::vector<std::string> observedElements(orbArray a) {
+  std::vector<std::string> texts;
+  for (size_t i = 0; i < orbGetNumberOfElements(a) && i < 40; ++i) {
+    for (int field = 0; field < (orbIsStruct(a) ? orbGetNumberOfFields(a) : 1); ++field) {
+      const UniqueHandle element(orbIsCell(a) ? orbGetCell(a, i)
+                                              : orbGetFieldByNumber(a, i, field));
+      texts.push_back(element ? observed(element.get()) : "none");
+    }
+  }
+  return texts;
+}
+
+/// Decodes a body on both ways. Where the short one takes it, the results have to be the
+/// same.
+void expectSameResult(const std::string& body, uint32_t count, int* taken = nullptr) {
+  std::vector<UniqueHandle> outputs;
+  if (!readOutputs(sliceOf(body), INT_MAX, count, outputs)) return;
+  if (taken != nullptr) ++*taken;
+  client::KALDEX_Result result;
+  ASSERT_TRUE(result.ParseFromString(body));
+  ASSERT_FALSE(result.has_error());
+  ASSERT_EQ(static_cast<uint32_t>(result.lhs_size()), count);
+  for (uint32_t i = 0; i < count; ++i) {
+    const UniqueHandle expected =
+        handleOver(boost::make_shared<KALDEX_Array>(result.lhs(static_cast<int>(i))),
+                   MessageUse::kOwn);
+    if (i % 2 == 0 && (orbIsCell(expected.get()) || orbIsStruct(expected.get()))) {
+      ASSERT_EQ(observedElements(outputs[i].get()), observedElements(expected.get()));
+    }
+    ASSERT_EQ(observed(outputs[i].get()), observed(expected.get()));
+  }
+}
+
+client::KALDEX_Result randomResult(RandomArrays& random, uint32_t count, bool mayBeOdd) {
+  client::KALDEX_Result result;
+  for (uint32_t i = 0; i < count; ++i) *result.add_lhs() = random.array(mayBeOdd);
+  return result;
+}
+
+bool mayThrow(const client::KALDEX_Result& result) {
+  const std::string bytes = result.DebugString();
+  for (const char* type :
+       {"OBJECT", "HANDLE_OBJECT_REF", "ARRAYREF", "ENUMERATION", "STRING"}) {
+    if (bytes.find(type) != std::string::npos) return true;
+  }
+  return false;
+}
+
+TEST(ReadOutputs, GivesWhatParsingGives) {
+  RandomArrays random(7);
+  int taken = 0;
+  for (int i = 0; i < 10000; ++i) {
+    const uint32_t count = random.below(3);
+    expectSameResult(randomResult(random, count, false).SerializeAsString(), count,
+                     &taken);
+  }
+  EXPECT_GT(taken, 700);
+}
+
+TEST(ReadOutputs, GivesWhatParsingGivesForOddArrays) {
+  RandomArrays random(8);
+  int taken = 0;
+  for (int i = 0; i < 10000; ++i) {
+    const uint32_t count = random.below(3);
+    const client::KALDEX_Result result = randomResult(random, count, true);
+    if (!mayThrow(result)) expectSameResult(result.SerializeAsString(), count, &taken);
+  }
+  EXPECT_GT(taken, 500);
+}
+
+TEST(ReadOutputs, GivesWhatParsingGivesForDamagedBodies) {
+  RandomArrays random(9);
+  for (int i = 0; i < 10000; ++i) {
+    const uint32_t count = random.below(3);
+    const std::string body =
+        randomResult(random, count, random.oneIn(4)).SerializeAsString();
+    for (int j = 0; j < 12; ++j) expectSameResult(random.damaged(body), count);
+  }
+}
+
+TEST(ReadOutputs, LeavesAlone) {
+  client::KALDEX_Result result;
+  result.add_lhs()->set_type(KALDEX_Array::DOUBLE);
+  const std::string body = result.SerializeAsString();
+  const auto taken = [](const std::string& bytes, uint32_t limitBytes, uint32_t count) {
+    std::vector<UniqueHandle> outputs;
+    return readOutputs(sliceOf(bytes), limitBytes, count, outputs);
+  };
+  EXPECT_TRUE(taken(body, 4, 1));
+  EXPECT_FALSE(taken(body, 3, 1)) << "a body above the limit";
+  EXPECT_FALSE(taken(body, 0x80000000u, 1)) << "a limit above 31 bits";
+  EXPECT_FALSE(taken(body, 4, 0)) << "too many outputs";
+  EXPECT_FALSE(taken(body, 4, 2)) << "too few outputs";
+  result.mutable_error();
+  EXPECT_FALSE(taken(result.SerializeAsString(), 99, 1)) << "an error";
+  EXPECT_TRUE(taken("", 0, 0)) << "nothing wanted, nothing sent";
+}
+
+}  // namespace
+}  // namespace orb::test
