@@ -22,9 +22,10 @@ enum class MessageUse {
 
 /// How an array goes into a call.
 enum class Sending {
-  kAsStored,     // the message is up to date
-  kWrittenBack,  // others see the message: written back and sent as it is
-  kDirect,       // written without the message
+  kAsStored,       // the message is up to date
+  kWrittenBack,    // others see the message: written back and sent as it is
+  kDirect,         // written without the message
+  kDirectIfAlone,  // the same, where no other input is written back: elements may be shared
 };
 
 /// The sizes in bytes of an array's wire form and of parts of it.
@@ -64,8 +65,7 @@ class KALDEXArrayProxy : boost::noncopyable {
   /// back would be work for nothing: the wire form is then written from the native
   /// elements.
   virtual Sending sending() { return Sending::kAsStored; }
-  /// The sizes of the wire form, for Sending::kDirect; right after it writeWire() may
-  /// run.
+  /// The sizes of the wire form written without the message; then writeWire() may run.
   virtual WireSizes measureWire() const { return {}; }
   /// Writes the wire form, sizes.total bytes, and gives its end.
   virtual uint8_t* writeWire(const WireSizes&, uint8_t* target) const { return target; }

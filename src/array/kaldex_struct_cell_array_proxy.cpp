@@ -131,13 +131,13 @@ Sending KALDEXStructCellArrayProxy<T>::sending() {
     // Written back earlier, for others who are gone: nobody looks at it again.
     MessageList().Swap(Payload<T>::in(message()).mutable_elements());
   }
-  // Whether there are unknown fields is told by the size: asking the message library for them
-  // would make it build its descriptors, which ends badly where memory ends.
+  // Whether there are unknown fields is told by the size: asking the message library for
+  // them would make it build its descriptors, which ends badly where memory ends.
   const auto& payload = Payload<T>::of(message());
   const size_t size = payload.ByteSizeLong();
   const bool isDirect = size == namesSize(payload) &&
                         holdsOnlyHeadAnd(message(), hasPayload, kPayloadField<T>, size);
-  return isDirect ? Sending::kDirect : Sending::kWrittenBack;
+  return isDirect ? Sending::kDirectIfAlone : Sending::kWrittenBack;
 }
 
 template <QXType T>

@@ -33,24 +33,26 @@ std::vector<Input> inputsOf(const orbArray* arrays, int32_t count) {
   return inputs;
 }
 
+bool isWrittenBack(const Input& input) { return input.sending == Sending::kWrittenBack; }
+
+bool isDirect(const Input& input) {
+  return input.sending == Sending::kDirect || input.sending == Sending::kDirectIfAlone;
+}
+
 // A write-back can change the elements of a struct or cell that stands before it in the
-// call, and such an array goes out as it was at its turn: then all are written back.
+// call, and such an array goes out as it was at its turn: then it is written back as well.
 void writeBack(std::vector<Input>& inputs) {
-  const bool anyWrittenBack = std::any_of(
-      inputs.begin(), inputs.end(),
-      [](const Input& input) { return input.sending == Sending::kWrittenBack; });
-  if (!anyWrittenBack) return;
+  if (std::none_of(inputs.begin(), inputs.end(), isWrittenBack)) return;
   for (Input& input : inputs) {
-    if (input.sending == Sending::kAsStored) continue;
-    input.proxy->flushToMessage();
-    input.sending = Sending::kWrittenBack;
+    if (input.sending == Sending::kDirectIfAlone) input.sending = Sending::kWrittenBack;
+    if (isWrittenBack(input)) input.proxy->flushToMessage();
   }
 }
 
 size_t measure(std::vector<Input>& inputs) {
   size_t size = 0;
   for (Input& input : inputs) {
-    if (input.sending == Sending::kDirect) {
+    if (isDirect(input)) {
       input.sizes = input.proxy->measureWire();
     } else {
       input.sizes.total = input.proxy->message().ByteSizeLong();
@@ -64,7 +66,7 @@ uint8_t* write(const std::vector<Input>& inputs, uint8_t* target) {
   for (const Input& input : inputs) {
     target =
         wire::writeFieldHead(KALDEX_Params::kRhsFieldNumber, input.sizes.total, target);
-    target = input.sending == Sending::kDirect
+    target = isDirect(input)
                  ? input.proxy->writeWire(input.sizes, target)
                  : input.proxy->message().SerializeWithCachedSizesToArray(target);
   }

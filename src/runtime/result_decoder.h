@@ -12,13 +12,13 @@ namespace orb {
 
 /// Makes the outputs straight from a body that holds exactly `count` of them, each in the
 /// form that the message library writes, and nothing else. False, with the outputs in any
-/// state, for every other body: those go through parseResult(). Throws std::bad_alloc; the
-/// outputs behind the one that found no memory are then made.
+/// state, for every other body: those go through parseResult(). Throws std::bad_alloc;
+/// the outputs behind the one that found no memory are then made.
 bool readOutputs(wire::Slice body, uint32_t limitBytes, uint32_t count,
                  std::vector<UniqueHandle>& outputs);
 
-/// Parses a body up to the limit. Whether all of it could be parsed is not asked: what was
-/// read before a stop is used.
+/// Parses a body up to the limit. Whether all of it could be parsed is not asked: what
+/// was read before a stop is used.
 void parseResult(wire::Slice body, uint32_t limitBytes, client::KALDEX_Result& result);
 
 }  // namespace orb
