@@ -89,6 +89,18 @@
  * used at the same time. An array, and arrays that share storage with it, must not be
  * used from two threads at once, except that handles which share storage may be destroyed
  * on different threads.
+ *
+ * A call never ends the process by SIGPIPE: libcurl ignores the signal while it needs to,
+ * for the whole process. Where several threads do so at once the switches interleave, so
+ * a program with threads ignores SIGPIPE itself before its first call.
+ *
+ * After a fork() the child makes contexts of its own. It must neither use nor destroy
+ * those it inherited, whose connections the parent goes on using, and leaves by exec or
+ * _exit().
+ *
+ * libcurl honours the environment at every call: with `http_proxy` set (lower case; for
+ * TLS `https_proxy`), calls go through that proxy, also those to this machine, unless
+ * `no_proxy` lists the host.
  */
 #ifndef ORB_QXORBCLIENT_H_
 #define ORB_QXORBCLIENT_H_
@@ -249,10 +261,12 @@ typedef struct orbClientRuntime {
   uint64_t (*getTimeoutSec)(orbClientConfig* config);
 
   /**
-   * The largest reply accepted, in bytes. A reply whose Content-Length announces more
-   * fails the call before any of it is kept. One that announces nothing is received
-   * whole, and read up to the limit. A limit above 2147483647 lets nothing be read: every
-   * reply with outputs then fails as if it had none.
+   * The largest reply accepted, in bytes. A reply whose Content-Length line announces
+   * more fails the call before any of it is kept. One that announces nothing, or in other
+   * letters (content-length), is received whole and read up to the limit: the call may
+   * then succeed with an array that holds fewer elements than its dimensions say. A limit
+   * above 2147483647 lets nothing be read: every reply with outputs then fails as if it
+   * had none.
    */
   void (*setResponseSizeLimit)(orbClientConfig* config, uint32_t limitBytes);
   uint32_t (*getResponseSizeLimit)(orbClientConfig* config);
@@ -298,8 +312,11 @@ typedef struct orbClientRuntime {
    * a client cannot hold ("dispatch_on_QXType"), and memory running out. A context goes
    * on working after every failure.
    *
-   * A server that closes a kept-alive connection at the wrong moment may make libcurl
-   * send the POST again on a new one: a function may then run twice for one call.
+   * When a kept-alive connection ends before the first byte of the reply, libcurl sends
+   * the POST again on a new one: a function may then run twice for one call. On a new
+   * connection nothing is sent again.
+   *
+   * A damaged reply may make the message library write a line to stderr.
    *
    * @param url  Address of the function, used as it is.
    * @param nlhs  Number of outputs wanted.
@@ -332,7 +349,10 @@ typedef struct orbClientRuntime {
   void (*setClientPrivateKeyFile)(orbClientConfig* config, const char* file);
   const char* (*getClientPrivateKeyFile)(orbClientConfig* config);
 
-  /** Pass phrase of the private key. */
+  /**
+   * Pass phrase of the private key. Without one for a key that needs it, OpenSSL asks on
+   * the terminal, where there is one.
+   */
   void (*setClientPrivateKeyPassword)(orbClientConfig* config, const char* password);
   const char* (*getClientPrivateKeyPassword)(orbClientConfig* config);
 

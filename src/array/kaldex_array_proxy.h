@@ -25,7 +25,7 @@ enum class Sending {
   kAsStored,       // the message is up to date
   kWrittenBack,    // others see the message: written back and sent as it is
   kDirect,         // written without the message
-  kDirectIfAlone,  // the same, where no other input is written back: elements may be shared
+  kDirectIfAlone,  // the same, unless the call writes others back: they may be elements
 };
 
 /// The sizes in bytes of an array's wire form and of parts of it.

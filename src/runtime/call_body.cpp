@@ -40,7 +40,7 @@ bool isDirect(const Input& input) {
 }
 
 // A write-back can change the elements of a struct or cell that stands before it in the
-// call, and such an array goes out as it was at its turn: then it is written back as well.
+// call. That array goes out as it was at its turn, so it is written back as well.
 void writeBack(std::vector<Input>& inputs) {
   if (std::none_of(inputs.begin(), inputs.end(), isWrittenBack)) return;
   for (Input& input : inputs) {

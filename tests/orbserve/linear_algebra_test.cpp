@@ -81,6 +81,22 @@ TEST(Solve, TakesSeveralRightHandSides) {
   EXPECT_THAT(elementsOf(solution), ElementsAre(1, 1, 3, 2));
 }
 
+class SolveSingular : public ::testing::TestWithParam<Numbers> {};
+
+TEST_P(SolveSingular, IsAnError) {
+  const Result result =
+      call("solve", 1, {doubles({3, 3}, GetParam()), doubles({3, 1}, {1, 2, 3})});
+  EXPECT_EQ(result.error().identifier(), "orbserve:solve:singular");
+}
+
+INSTANTIATE_TEST_SUITE_P(Matrices, SolveSingular,
+                         ::testing::Values(Numbers{0, 0, 0, 0, 0, 0, 0, 0, 0},
+                                           Numbers{1, 0, 0, 0, 0, 0, 0, 0, 1},
+                                           Numbers{0, 0, 0, 0, 1, 2, 0, 3, 5},
+                                           Numbers{0, 1, 0, 0, 0, 1, 0, 0, 0},
+                                           Numbers{1, 1, 1, 1, 1, 1, 1, 1, 1},
+                                           Numbers{1, 2, 3, 4, 5, 6, 7, 8, 9}));
+
 TEST(Svd, GivesTheSingularValuesAsAColumn) {
   const Array values = callForOne("svd", {doubles({2, 2}, {3, 4, 0, 5})});
   EXPECT_EQ(shapeOf(values), (Shape{2, 1}));

@@ -2,6 +2,7 @@
 // The functions for tables of observations, on data with known answers.
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <cmath>
 #include <fstream>
 #include <sstream>
@@ -108,6 +109,26 @@ TEST(Pca, ScoresAreTheCentredObservationsAlongTheComponents) {
   EXPECT_NEAR(scores[1], 0, 1e-14);
   EXPECT_NEAR(scores[2], -std::sqrt(5), 1e-14);
 }
+
+class PcaSigns : public ::testing::TestWithParam<double> {};
+
+TEST_P(PcaSigns, MakeTheLargestEntryPositive) {
+  const double sign = GetParam();
+  for (size_t flowers : {5, 20, 50, 100}) {
+    Rows rows = readTable("iris.csv");
+    rows.resize(flowers);
+    for (Numbers& row : rows) row[1] *= sign;
+    const Numbers components = elementsOf(callForOne("pca", {matrixOf(rows, {0, 1, 2})}));
+    for (size_t first = 0; first < components.size(); first += 3) {
+      const auto [least, greatest] = std::minmax_element(
+          components.begin() + static_cast<std::ptrdiff_t>(first),
+          components.begin() + static_cast<std::ptrdiff_t>(first + 3));
+      EXPECT_GT(*greatest, -*least) << flowers << " flowers, component " << first / 3;
+    }
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(OfAColumn, PcaSigns, ::testing::Values(1, -1));
 
 struct StatisticsRefusalRow {
   std::string function;

@@ -36,6 +36,12 @@ void putEigen(Call& call, const Values& values, const Vectors& vectors) {
   call.put(toArray(Vectors(values.asDiagonal())));
 }
 
+double reciprocalConditionOf(const Eigen::PartialPivLU<Matrix>& decomposition) {
+  // Eigen's estimate divides by the pivots, and can be 1 after a division by 0.
+  if ((decomposition.matrixLU().diagonal().array() == 0).any()) return 0;
+  return decomposition.rcond();
+}
+
 std::string inDecimal(double number) {
   std::ostringstream text;
   text << number;
@@ -64,8 +70,8 @@ void solve(Call& call) {
          "a right-hand side of " + std::to_string(unknowns) + " rows", call.input(1));
 
   const Eigen::PartialPivLU<Matrix> decomposition(coefficients);
-  const double reciprocalCondition = decomposition.rcond();
-  // Written so that NaN, from a division by a zero pivot, counts as singular.
+  const double reciprocalCondition = reciprocalConditionOf(decomposition);
+  // Written so that NaN counts as singular: the estimate is one when a step overflows.
   if (!(reciprocalCondition > std::numeric_limits<double>::epsilon())) {
     throw CallError("singular",
                     "expected a regular coefficient matrix, got one that is singular to "
