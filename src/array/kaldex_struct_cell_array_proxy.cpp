@@ -64,10 +64,20 @@ KALDEXStructCellArrayProxy<T>::KALDEXStructCellArrayProxy(SharedMessage message,
 
 template <QXType T>
 KALDEXStructCellArrayProxy<T>::KALDEXStructCellArrayProxy(SharedMessage message,
+                                                          Elements elements,
                                                           PendingElements pending)
     : KALDEXArrayProxy(std::move(message), MessageUse::kOwn),
-      elements_(pending.size()),
+      elements_(std::move(elements)),
       pending_(std::move(pending)) {}
+
+template <QXType T>
+bool KALDEXStructCellArrayProxy<T>::ownsMessageAlone() {
+  if (sharedMessage().use_count() > 1) return false;
+  if (!Payload<T>::of(message()).elements().empty()) {
+    MessageList().Swap(Payload<T>::in(message()).mutable_elements());
+  }
+  return true;
+}
 
 template <QXType T>
 const SharedMessage& KALDEXStructCellArrayProxy<T>::element(size_t i) {
@@ -117,20 +127,27 @@ void KALDEXStructCellArrayProxy<T>::flushToMessage() {
 
 template <QXType T>
 std::unique_ptr<KALDEXArrayProxy> KALDEXStructCellArrayProxy<T>::duplicate() {
-  flushToMessage();
-  return std::make_unique<KALDEXStructCellArrayProxy>(
-      boost::make_shared<KALDEX_Array>(message()), MessageUse::kOwn);
+  checkedInt32(elements_.size());
+  const bool isAlone = ownsMessageAlone();
+  if (!isAlone) flushToMessage();
+  auto copy = boost::make_shared<KALDEX_Array>(message());
+  if (!isAlone) {
+    return std::make_unique<KALDEXStructCellArrayProxy>(std::move(copy),
+                                                        MessageUse::kOwn);
+  }
+  Elements elements(elements_.size());
+  for (size_t i = 0; i < elements_.size(); ++i) {
+    if (elements_[i]) elements[i] = boost::make_shared<KALDEX_Array>(*elements_[i]);
+  }
+  return std::make_unique<KALDEXStructCellArrayProxy>(std::move(copy),
+                                                      std::move(elements), pending_);
 }
 
 template <QXType T>
 Sending KALDEXStructCellArrayProxy<T>::sending() {
   checkedInt32(elements_.size());
-  if (sharedMessage().use_count() > 1) return Sending::kWrittenBack;
+  if (!ownsMessageAlone()) return Sending::kWrittenBack;
   const bool hasPayload = Payload<T>::isIn(message());
-  if (hasPayload && !Payload<T>::of(message()).elements().empty()) {
-    // Written back earlier, for others who are gone: nobody looks at it again.
-    MessageList().Swap(Payload<T>::in(message()).mutable_elements());
-  }
   // Whether there are unknown fields is told by the size: asking the message library for
   // them would make it build its descriptors, which ends badly where memory ends.
   const auto& payload = Payload<T>::of(message());

@@ -25,8 +25,10 @@ class KALDEXStructCellArrayProxy : public KALDEXArrayProxy {
   /// The elements are copied out of the message, or moved out of one of our own.
   explicit KALDEXStructCellArrayProxy(SharedMessage message,
                                       MessageUse use = MessageUse::kShare);
-  /// Over a message that nobody else saw, without a list; these are its elements.
-  KALDEXStructCellArrayProxy(SharedMessage message, PendingElements pending);
+  /// Over a message that nobody else saw, without a list; these are its elements. A null
+  /// entry is what is pending in its place.
+  KALDEXStructCellArrayProxy(SharedMessage message, Elements elements,
+                             PendingElements pending);
 
   /// `count` is the number of array elements; of a struct, each has a value per field.
   void resize(int32_t count) override;
@@ -47,6 +49,10 @@ class KALDEXStructCellArrayProxy : public KALDEXArrayProxy {
   Elements& elements();
 
  private:
+  /// Whether nobody else sees the message; its own list, a remainder of times when others
+  /// did, is then dropped.
+  bool ownsMessageAlone();
+
   Elements elements_;
   PendingElements pending_;  // as many as there are entries, or none
 };

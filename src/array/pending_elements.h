@@ -47,7 +47,7 @@ class PendingElements {
     uint32_t size;
   };
 
-  std::unique_ptr<uint8_t[]> bytes_;
+  std::shared_ptr<uint8_t[]> bytes_;  // never changed; copies of the array share them
   std::vector<Place> places_;
 };
 

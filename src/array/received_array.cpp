@@ -87,7 +87,8 @@ class WireArrayReader {
     const Slice names{payload.data, static_cast<size_t>(elementsStart - payload.data)};
     if (names.size != 0 && !parse(names, Payload<T>::in(*message))) return;
     const Slice rest{elementsStart, payload.size - names.size};
-    place<T>(std::move(message), PendingElements(rest, elements));
+    place<T>(std::move(message), Elements(elements.size()),
+             PendingElements(rest, elements));
   }
 
   template <QXType T>
