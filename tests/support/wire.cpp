@@ -52,16 +52,6 @@ std::string varints(const std::vector<std::uint64_t>& values) {
   return result;
 }
 
-std::string floats(const std::vector<float>& values) {
-  std::string result;
-  for (const float value : values) {
-    std::uint32_t bits;
-    std::memcpy(&bits, &value, sizeof bits);
-    result += littleEndian(bits);
-  }
-  return result;
-}
-
 std::string doubles(const std::vector<double>& values) {
   std::string result;
   for (const double value : values) {

@@ -49,7 +49,6 @@ std::string fixed64(int field, std::uint64_t value);
 
 /// The elements of a list one behind the other, as packed lists hold them.
 std::string varints(const std::vector<std::uint64_t>& values);
-std::string floats(const std::vector<float>& values);
 std::string doubles(const std::vector<double>& values);
 template <class T>
 std::string littleEndian(T value) {

@@ -11,9 +11,13 @@ constexpr const char* kNothing = "Server returned nothing (no headers, no data)"
 constexpr const char* kReceiving = "Failure when receiving data from the peer";
 constexpr const char* kPartial = "Transferred a partial file";
 
-// libcurl sends a request again when a connection that it had used before ends without a
-// whole status line; the server then gives the usual reply.
-const Outcome kSentAgain = success();
+/// A row that succeeds on a reused connection: libcurl sends a request again when a
+/// connection that it had used before ends without a whole status line, and the server then
+/// gives the usual reply.
+Row sentAgainWhenReused(Row row) {
+  row.reused = success();
+  return row;
+}
 
 std::string oneOutput() { return wire::result({wire::doubleRow({1})}); }
 
@@ -104,13 +108,9 @@ std::vector<Row> closes() {
   const std::string head = "Content-Length: " + std::to_string(body.size()) + "\r\n\r\n";
   const std::string half = body.substr(0, body.size() / 2);
   return {
-      {"BeforeAnyByte", {close()}, genericError(kNothing), {}, 1, kSentAgain},
-      {"InTheStatusLine",
-       {send("HTTP/1.1 20"), close()},
-       genericError(kNothing),
-       {},
-       1,
-       kSentAgain},
+      sentAgainWhenReused({"BeforeAnyByte", {close()}, genericError(kNothing)}),
+      sentAgainWhenReused(
+          {"InTheStatusLine", {send("HTTP/1.1 20"), close()}, genericError(kNothing)}),
       // To libcurl the end of the connection then ends an empty reply.
       {"InsideTheHeaders", then(replyWith("Content-Le"), close()), countMismatch(0, 1)},
       {"AfterAHeaderLine", then(replyWith("A: b\r\n"), close()), countMismatch(0, 1)},
@@ -127,12 +127,8 @@ std::vector<Row> closes() {
       {"AfterContinue",
        {send("HTTP/1.1 100 Continue\r\n\r\n"), close()},
        genericError(kNothing)},
-      {"OfWritingBeforeAnyByte",
-       {shutDownWriting()},
-       genericError(kNothing),
-       {},
-       1,
-       kSentAgain},
+      sentAgainWhenReused(
+          {"OfWritingBeforeAnyByte", {shutDownWriting()}, genericError(kNothing)}),
       {"AfterTheReply", {send(wire::reply(body)), close()}, success()},
       {"SomeTimeAfterTheReply",
        {send(wire::reply(body)), pause(milliseconds(20)), close()},
@@ -153,13 +149,10 @@ std::vector<Row> resets() {
   // A reset discards what the client has not read yet: give it time to.
   const Step settle = pause(milliseconds(20));
   return {
-      {"BeforeAnyByte", {settle, reset()}, genericError(kReceiving), {}, 1, kSentAgain},
-      {"InTheStatusLine",
-       {send("HTTP/1.1 20"), settle, reset()},
-       genericError(kReceiving),
-       {},
-       1,
-       kSentAgain},
+      sentAgainWhenReused({"BeforeAnyByte", {settle, reset()}, genericError(kReceiving)}),
+      sentAgainWhenReused({"InTheStatusLine",
+                           {send("HTTP/1.1 20"), settle, reset()},
+                           genericError(kReceiving)}),
       {"InsideTheHeaders", then(then(replyWith("Content-Le"), settle), reset()),
        genericError(kReceiving)},
       {"BeforeTheBody", then(then(replyWith(head), settle), reset()),

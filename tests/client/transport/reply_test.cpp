@@ -17,19 +17,23 @@ std::string ofType(int type) { return wire::type(type) + wire::dimensions({1, 1}
 
 Script replyOf(const std::string& body) { return {send(wire::reply(body))}; }
 
+/// A row whose call wants other than one output.
+Row wanting(std::size_t outputs, Row row) {
+  row.outputs = outputs;
+  return row;
+}
+
 std::vector<Row> bodies() {
   const Outcome refusedType = genericError("dispatch_on_QXType");
   std::vector<Row> rows = {
       {"Empty", replyOf(""), countMismatch(0, 1)},
-      {"EmptyForNoOutputs", replyOf(""), success(), {}, 0},
-      {"OneForNone", replyOf(wire::result({value(1)})), countMismatch(1, 0), {}, 0},
-      {"OneForTwo", replyOf(wire::result({value(1)})), countMismatch(1, 2), {}, 2},
+      wanting(0, {"EmptyForNoOutputs", replyOf(""), success()}),
+      wanting(0, {"OneForNone", replyOf(wire::result({value(1)})), countMismatch(1, 0)}),
+      wanting(2, {"OneForTwo", replyOf(wire::result({value(1)})), countMismatch(1, 2)}),
       {"TwoForOne", replyOf(wire::result({value(1), value(2)})), countMismatch(2, 1)},
-      {"TwelveForTen",
-       replyOf(wire::result(std::vector<std::string>(12, value(1)))),
-       countMismatch(12, 10),
-       {},
-       10},
+      wanting(10, {"TwelveForTen",
+                   replyOf(wire::result(std::vector<std::string>(12, value(1)))),
+                   countMismatch(12, 10)}),
       {"Html", replyOf("<html>busy</html>"), countMismatch(0, 1)},
       {"Zeros", replyOf(std::string(100, '\0')), countMismatch(0, 1)},
       {"Ones", replyOf(std::string(100, '\xFF')), countMismatch(0, 1)},
@@ -47,11 +51,8 @@ std::vector<Row> bodies() {
        kaldexError("no", "a:b")},
       {"ErrorBeforeOutputs", replyOf(wire::error("no", "a:b") + wire::result({value(1)})),
        kaldexError("no", "a:b")},
-      {"ErrorForNoOutputs",
-       replyOf(wire::error("no", "a:b")),
-       kaldexError("no", "a:b"),
-       {},
-       0},
+      wanting(0, {"ErrorForNoOutputs", replyOf(wire::error("no", "a:b")),
+                  kaldexError("no", "a:b")}),
       {"ErrorInTwoParts",
        replyOf(wire::error("no", "a:b") + wire::bytes(2, wire::bytes(1, "yes"))),
        kaldexError("yes", "a:b")},

@@ -45,7 +45,7 @@ std::vector<SlowRow> slowRows() {
       {"body without length and end", {send(status + "\r\n" + body), stall()}, late},
       {"error without end", {send("HTTP/1.1 500 Oh\r\n\r\n" + body), stall()}, late},
       {"a drip too slow", {drip(head + body, milliseconds(100))}, late},
-      {"a drip", {drip(head + body, milliseconds(5))}, success()},
+      {"a drip", {drip(head + body, milliseconds(2))}, success()},
       {"a pause",
        {send(head + half), pause(milliseconds(300)), send(body.substr(half.size()))},
        success()},

@@ -71,7 +71,7 @@ void solve(Call& call) {
 
   const Eigen::PartialPivLU<Matrix> decomposition(coefficients);
   const double reciprocalCondition = reciprocalConditionOf(decomposition);
-  // Written so that NaN counts as singular: the estimate is one when a step overflows.
+  // Written so that a NaN, from an estimate that overflows, counts as singular.
   if (!(reciprocalCondition > std::numeric_limits<double>::epsilon())) {
     throw CallError("singular",
                     "expected a regular coefficient matrix, got one that is singular to "
