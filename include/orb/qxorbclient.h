@@ -50,9 +50,10 @@
  * level has been stored again.
  *
  * @par Depth
- * A reply may nest cells and structs 49 deep; what lies deeper is not read and the call
- * fails. A program may build deeper arrays: 1,000 levels are created, duplicated, sent
- * and destroyed on an 8 MiB stack, each level costing well under 2 KiB of it.
+ * A reply may nest cells and structs 49 deep; what lies deeper is not read, and the call
+ * may succeed with what was read before it. A program may build deeper arrays: 1,000
+ * levels are created, duplicated, sent and destroyed on an 8 MiB stack, each level
+ * costing well under 2 KiB of it.
  *
  * @par Text
  * Char arrays hold UTF-16 code units. orbCreateString() and orbGetString() move bytes,
@@ -676,7 +677,8 @@ ORB_API char16_t* orbGetChars(const orbArray a);
 ORB_API bool* orbGetLogicals(const orbArray a);
 
 /**
- * Copies a char array into a C string, the low byte of each code unit.
+ * Copies a char array into a C string, the low byte of each code unit. Units that the
+ * dimensions promise and the array does not hold read as NUL.
  *
  * @param buf  Receives at most buflen - 1 bytes and a NUL; untouched when `a` is not a
  *             char array or buflen is 0.
@@ -765,7 +767,8 @@ ORB_API void orbSetFieldByNumber(orbArray a, size_t index, int n, orbArray value
  *
  * @return The number of the field; of the one that exists when there is one with this
  *         name. -1, with the struct unchanged, when `name` is null, `a` is not a struct,
- *         memory ends, or `a` was received with other than fields times elements values.
+ *         memory ends, or `a` has elements and does not hold fields times elements
+ *         values, being received so or changed through another handle.
  */
 ORB_API int orbAddField(orbArray a, const char* name);
 

@@ -64,7 +64,7 @@ TEST(GetCell, RefusesAnElementThatNoArrayCanHoldAndKeepsIt) {
       "type: CELL dimension: [1, 2] cell { elements { type: STRING } elements { } }");
   EXPECT_THROW(orbGetCell(cell, 0), std::invalid_argument);
   EXPECT_NE(Array(orbGetCell(cell, 1)), nullptr);
-  const Array copy(orbDuplicateArray(cell));
+  proxyOf(cell).flushToMessage();
   EXPECT_THAT(messageOf(cell), IsMessage("type: CELL dimension: [1, 2] cell { "
                                          "elements { type: STRING } elements { } }"));
 }

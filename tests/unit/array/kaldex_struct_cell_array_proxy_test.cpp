@@ -184,18 +184,31 @@ TYPED_TEST(ContainerProxy, ResizeLeavesOldNullEntriesAlone) {
 }
 
 TYPED_TEST(ContainerProxy, DuplicateCopiesTheElementsAndSharesNothing) {
-  typename TestFixture::Proxy proxy(shared(TypeParam::text({kA})));
+  const SharedMessage message = shared(TypeParam::text({kA}));
+  typename TestFixture::Proxy proxy(message);
   proxy.elements() = {shared(kB), nullptr};
   const std::unique_ptr<KALDEXArrayProxy> copy = proxy.duplicate();
   auto& made = dynamic_cast<typename TestFixture::Proxy&>(*copy);
   EXPECT_EQ(textsOf(made.elements()), bytesOf({kB, kEmptySlot}));
-  EXPECT_THAT(proxy.message(), IsMessage(TypeParam::text({kB, kEmptySlot})));
+  EXPECT_THAT(*message, IsMessage(TypeParam::text({kB, kEmptySlot})));
 
   made.elements()[0]->Clear();
   made.elements().pop_back();
   made.flushToMessage();
   EXPECT_EQ(textsOf(proxy.elements()), bytesOf({kB, kEmptySlot}));
-  EXPECT_THAT(proxy.message(), IsMessage(TypeParam::text({kB, kEmptySlot})));
+  EXPECT_THAT(*message, IsMessage(TypeParam::text({kB, kEmptySlot})));
+}
+
+TYPED_TEST(ContainerProxy, DuplicateOfAnArrayThatNobodyElseSeesIsNotWrittenBackFor) {
+  typename TestFixture::Proxy proxy(shared(TypeParam::text({kA})));
+  proxy.elements() = {shared(kB), nullptr};
+  const std::unique_ptr<KALDEXArrayProxy> copy = proxy.duplicate();
+  EXPECT_THAT(proxy.message(), IsMessage(TypeParam::text({})));
+  auto& made = dynamic_cast<typename TestFixture::Proxy&>(*copy);
+  EXPECT_NE(made.elements()[0], proxy.elements()[0]);
+  made.elements()[0]->Clear();
+  EXPECT_EQ(textsOf({proxy.element(0), proxy.element(1)}), bytesOf({kB, kEmptySlot}));
+  EXPECT_THAT(*made.element(1), IsMessage(kEmptySlot));
 }
 
 TEST(StructProxyResize, GivesEachElementAValuePerField) {
