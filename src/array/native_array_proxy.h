@@ -47,8 +47,8 @@ class NativeArrayProxy : public KALDEXArrayProxy {
   std::vector<Native> real_;
   std::vector<Native> imag_;
   bool listsDeferred_;
-  size_t realOnWire_ =
-      0;  // at most the native count; both only while the lists are deferred
+  // While the lists are deferred; at most the number of native elements.
+  size_t realOnWire_ = 0;
   size_t imagOnWire_ = 0;
 };
 
