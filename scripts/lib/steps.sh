@@ -23,3 +23,9 @@ buildPreset() {
   step "Configuring build/$1" cmake --preset "$1"
   step "Building build/$1 (minutes the first time)" cmake --build --preset "$1"
 }
+
+# The programs talk to servers on this machine, also where others are reached through a
+# proxy. Packages come through the proxy: this is for afterwards.
+leaveProxies() {
+  unset http_proxy https_proxy HTTPS_PROXY all_proxy ALL_PROXY
+}

@@ -42,7 +42,7 @@ bool areBools(Slice list) {
                                        [](uint8_t byte) { return byte <= 1; });
 }
 
-/// Whether the bytes are what `elements` or `imag_elements` of a payload may hold.
+/// Whether the bytes are what `elements` or `imag_elements` of a dense payload may hold.
 bool areElements(int payloadField, Slice list) {
   switch (payloadField) {
     case KALDEX_Array::kUint8FieldNumber:
@@ -60,13 +60,10 @@ bool areElements(int payloadField, Slice list) {
     case KALDEX_Array::kUint64FieldNumber:
     case KALDEX_Array::kInt64FieldNumber:
       return areVarints(list, UINT64_MAX);
-    case KALDEX_Array::kQxdoubleFieldNumber:
-      return areFixed(list, 8);
     case KALDEX_Array::kLogicalFieldNumber:
       return areBools(list);
-    default:
-      return false;
   }
+  return areFixed(list, 8);  // double
 }
 
 bool hasImaginaryPart(int payloadField) {

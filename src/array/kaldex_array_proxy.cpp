@@ -51,4 +51,14 @@ std::unique_ptr<KALDEXArrayProxy> KALDEXArrayProxy::duplicate() {
   return std::make_unique<KALDEXArrayProxy>(boost::make_shared<KALDEX_Array>(*message_));
 }
 
+WireSizes KALDEXArrayProxy::measureWire() const {
+  WireSizes sizes{};
+  sizes.total = message_->ByteSizeLong();
+  return sizes;
+}
+
+uint8_t* KALDEXArrayProxy::writeWire(const WireSizes&, uint8_t* target) const {
+  return message_->SerializeWithCachedSizesToArray(target);
+}
+
 }  // namespace orb

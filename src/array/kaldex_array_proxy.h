@@ -65,10 +65,10 @@ class KALDEXArrayProxy : boost::noncopyable {
   /// back would be work for nothing: the wire form is then written from the native
   /// elements.
   virtual Sending sending() { return Sending::kAsStored; }
-  /// The sizes of the wire form written without the message; then writeWire() may run.
-  virtual WireSizes measureWire() const { return {}; }
+  /// The sizes of the wire form, here that of the message; then writeWire() may run.
+  virtual WireSizes measureWire() const;
   /// Writes the wire form, sizes.total bytes, and gives its end.
-  virtual uint8_t* writeWire(const WireSizes&, uint8_t* target) const { return target; }
+  virtual uint8_t* writeWire(const WireSizes& sizes, uint8_t* target) const;
 
   QXType type() const { return message_->type(); }
   bool isComplex() const { return isComplex_; }

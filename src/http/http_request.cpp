@@ -51,10 +51,17 @@ struct FreeList {
 };
 using HeaderList = std::unique_ptr<curl_slist, FreeList>;
 
-HeaderList headerList(const std::vector<std::string>& lines) {
+constexpr const char* kHeaderLines[] = {
+    "Content-Type: application/x-google-protobuf",
+    "User-Agent: Corvane C client",
+    // Empty: libcurl then sends no Expect of its own and never waits for a 100.
+    "Expect: ",
+};
+
+HeaderList headerList() {
   HeaderList list;
-  for (const std::string& line : lines) {
-    curl_slist* longer = curl_slist_append(list.get(), line.c_str());
+  for (const char* line : kHeaderLines) {
+    curl_slist* longer = curl_slist_append(list.get(), line);
     if (longer == nullptr) throw std::bad_alloc();
     static_cast<void>(list.release());
     list.reset(longer);
@@ -80,10 +87,6 @@ HttpRequest::HttpRequest(CurlHandle handle, const std::string& url,
                          boost::shared_ptr<KeptBlock> bodyBlock)
     : handle_(std::move(handle)),
       url_(url),
-      headers_{
-          "Content-Type: application/x-google-protobuf", "User-Agent: Corvane C client",
-          // Empty: libcurl then sends no Expect of its own and never waits for a 100.
-          "Expect: "},
       responseSizeLimit_(responseSizeLimit),
       bodyBlock_(std::move(bodyBlock)) {}
 
@@ -95,7 +98,7 @@ void HttpRequest::setBody(const void* data, uint64_t length) {
 std::unique_ptr<Response> HttpRequest::perform() {
   setOption(handle_, CURLOPT_URL, url_.c_str());
   // The handle keeps pointing at the list after this call; the next one sets its own.
-  const HeaderList list = headerList(headers_);
+  const HeaderList list = headerList();
   setOption(handle_, CURLOPT_HTTPHEADER, list.get());
 
   auto response = std::make_unique<HttpResponse>(responseSizeLimit_, bodyBlock_->take());

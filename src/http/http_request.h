@@ -3,7 +3,6 @@
 #define ORB_HTTP_HTTP_REQUEST_H_
 
 #include <string>
-#include <vector>
 
 #include "http/byte_block.h"
 #include "http/curl_handle.h"
@@ -25,7 +24,6 @@ class HttpRequest : public Request {
  private:
   CurlHandle handle_;
   std::string url_;
-  std::vector<std::string> headers_;
   uint32_t responseSizeLimit_;  // bytes
   boost::shared_ptr<KeptBlock> bodyBlock_;
 };

@@ -52,25 +52,22 @@ void writeBack(std::vector<Input>& inputs) {
 size_t measure(std::vector<Input>& inputs) {
   size_t size = 0;
   for (Input& input : inputs) {
-    if (isDirect(input)) {
-      input.sizes = input.proxy->measureWire();
-    } else {
-      input.sizes.total = input.proxy->message().ByteSizeLong();
-    }
+    const KALDEXArrayProxy& proxy = *input.proxy;
+    input.sizes =
+        isDirect(input) ? proxy.measureWire() : proxy.KALDEXArrayProxy::measureWire();
     size += wire::fieldSize(KALDEX_Params::kRhsFieldNumber, input.sizes.total);
   }
   return size;
 }
 
-uint8_t* write(const std::vector<Input>& inputs, uint8_t* target) {
+void write(const std::vector<Input>& inputs, uint8_t* target) {
   for (const Input& input : inputs) {
+    const KALDEXArrayProxy& proxy = *input.proxy;
     target =
         wire::writeFieldHead(KALDEX_Params::kRhsFieldNumber, input.sizes.total, target);
-    target = isDirect(input)
-                 ? input.proxy->writeWire(input.sizes, target)
-                 : input.proxy->message().SerializeWithCachedSizesToArray(target);
+    target = isDirect(input) ? proxy.writeWire(input.sizes, target)
+                             : proxy.KALDEXArrayProxy::writeWire(input.sizes, target);
   }
-  return target;
 }
 
 }  // namespace

@@ -18,12 +18,15 @@ const QXClientConfig& settingsOf(const orbClientConfig& config) {
 }  // namespace
 
 orbStatus createContext(orbClientContext** out, const orbClientConfig* config) {
-  auto* context = new (std::nothrow) orbClientContext;
-  if (context == nullptr) return ORB_FAILURE;
-  // Handed out before it is complete: whatever happens next, the caller destroys it.
-  *out = context;
-  return guarded(*context, [&] {
-    context->client = std::make_unique<QXHttpClient>(settingsOf(*config));
+  try {
+    // Handed out before it is complete: whatever happens next, the caller destroys it.
+    *out = new orbClientContext;
+  } catch (const std::bad_alloc&) {
+    return ORB_FAILURE;
+  }
+  orbClientContext& context = **out;
+  return guarded(context, [&] {
+    context.client = std::make_unique<QXHttpClient>(settingsOf(*config));
     return ORB_OK;
   });
 }
