@@ -12,9 +12,8 @@
  * orbGetCell(), orbGetField(), orbGetFieldByNumber() and every output of feval() is a new
  * handle that the caller owns and releases with orbDestroyArray(). Pointers that an
  * accessor returns belong to the array: never free them. The one exception is the text of
- * orbArrayToString(), released with orbFree(). Handle arguments must not be null
- * (orbDestroyArray() alone accepts null); a null or destroyed handle is undefined
- * behaviour.
+ * orbArrayToString(), released with orbFree(). Handle arguments must not be null (only
+ * what destroys accepts null); a null or destroyed handle is undefined behaviour.
  *
  * @par Shapes
  * Arrays are N-dimensional and column-major: of an m-by-n matrix, element (i, j) lies at
@@ -249,7 +248,7 @@ typedef struct orbClientRuntime {
    */
   orbStatus (*createConfig)(orbClientConfig** out);
 
-  /** Releases a configuration. Contexts made from it are not affected. */
+  /** Releases a configuration; null is ignored. Contexts made from it are not affected. */
   void (*destroyConfig)(orbClientConfig* config);
 
   /**
@@ -287,7 +286,10 @@ typedef struct orbClientRuntime {
    */
   orbStatus (*createContext)(orbClientContext** out, const orbClientConfig* config);
 
-  /** Releases a context and closes its connections. Arrays that it returned live on. */
+  /**
+   * Releases a context and closes its connections; null is ignored. Arrays that it
+   * returned live on.
+   */
   void (*destroyContext)(orbClientContext* context);
 
   /**

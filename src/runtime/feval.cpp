@@ -2,7 +2,6 @@
 #include <algorithm>
 #include <boost/noncopyable.hpp>
 #include <memory>
-#include <new>
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -59,24 +58,26 @@ void storeOutputs(client::KALDEX_Result& result, orbArray* lhs) {
   }
 }
 
-/// Tries the short way from the body to the outputs. Where memory ends on it, the outputs
-/// made so far are stored.
+/// Outputs under way. Those that are made are the caller's in the end, also when memory ends
+/// before all are.
+struct Outputs {
+  ~Outputs() {
+    for (size_t i = 0; i < handles.size(); ++i) {
+      if (handles[i]) lhs[i] = handles[i].release();
+    }
+  }
+
+  orbArray* lhs;
+  std::vector<UniqueHandle> handles;
+};
+
+/// Tries the short way from the body to the outputs.
 bool receiveDirectly(wire::Slice body, uint32_t limitBytes, uint32_t nlhs,
                      orbArray* lhs) {
-  std::vector<UniqueHandle> outputs;
-  const auto store = [&] {
-    for (size_t i = 0; i < outputs.size(); ++i) {
-      if (outputs[i]) lhs[i] = outputs[i].release();
-    }
-  };
-  try {
-    const bool received = readOutputs(body, limitBytes, nlhs, outputs);
-    if (received) store();
-    return received;
-  } catch (const std::bad_alloc&) {
-    store();
-    throw;
-  }
+  Outputs outputs{lhs, {}};
+  if (readOutputs(body, limitBytes, nlhs, outputs.handles)) return true;
+  outputs.handles.clear();
+  return false;
 }
 
 orbStatus receive(orbClientContext& context, const Response& response, uint32_t nlhs,

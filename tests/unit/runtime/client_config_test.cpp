@@ -17,6 +17,8 @@ TEST(CreateConfig, MakesADefaultConfiguration) {
   destroyConfig(config);
 }
 
+TEST(DestroyConfig, IgnoresNull) { destroyConfig(nullptr); }
+
 TEST(CreateConfig, HandsTheHandleOutFirstWhenMemoryEnds) {
   orbClientConfig untouched;
   bool failed = true;

@@ -94,6 +94,8 @@ TEST_F(CreateContext, BuildsAClientFromACopyOfTheConfiguration) {
   destroyContext(context);
 }
 
+TEST(DestroyContext, IgnoresNull) { destroyContext(nullptr); }
+
 TEST_F(CreateContext, HandsOutAContextThatHasNoClient) {
   struct Row {
     std::function<void()> arrange;
