@@ -248,7 +248,7 @@ typedef struct orbClientRuntime {
    */
   orbStatus (*createConfig)(orbClientConfig** out);
 
-  /** Releases a configuration; null is ignored. Contexts made from it are not affected. */
+  /** Releases a configuration; null is ignored. Contexts made from it live on. */
   void (*destroyConfig)(orbClientConfig* config);
 
   /**
