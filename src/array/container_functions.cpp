@@ -39,8 +39,8 @@ std::optional<size_t> fieldEntry(const orbArray a, size_t index, const char* nam
   const int number = orbGetFieldNumber(a, name);
   if (number < 0 || index >= orb::numberOfElements(messageOf(a))) return std::nullopt;
   const size_t size = structProxyOf(a).size();
-  const size_t field = static_cast<size_t>(number);
-  const size_t fields = static_cast<size_t>(orbGetNumberOfFields(a));
+  const auto field = static_cast<size_t>(number);
+  const auto fields = static_cast<size_t>(messageOf(a).struct_().field_names_size());
   // Divided, not multiplied: index * fields may wrap.
   if (field >= size || index > (size - 1 - field) / fields) return std::nullopt;
   return field + index * fields;

@@ -51,14 +51,10 @@ std::unique_ptr<KALDEXArrayProxy> KALDEXArrayProxy::duplicate() {
   return std::make_unique<KALDEXArrayProxy>(boost::make_shared<KALDEX_Array>(*message_));
 }
 
-WireSizes KALDEXArrayProxy::measureWire() const {
-  WireSizes sizes{};
-  sizes.total = message_->ByteSizeLong();
-  return sizes;
-}
+WireSizes KALDEXArrayProxy::measureWire() const { return measureMessage(*message_); }
 
-uint8_t* KALDEXArrayProxy::writeWire(const WireSizes&, uint8_t* target) const {
-  return message_->SerializeWithCachedSizesToArray(target);
+void KALDEXArrayProxy::writeWire(const WireSizes&, wire::MessagePieces& pieces) const {
+  writeMessage(*message_, pieces);
 }
 
 }  // namespace orb

@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <memory>
 
+#include "array/message_wire.h"
 #include "array/payload.h"
 
 namespace orb {
@@ -26,14 +27,6 @@ enum class Sending {
   kWrittenBack,    // others see the message: written back and sent as it is
   kDirect,         // written without the message
   kDirectIfAlone,  // the same, unless the call writes others back: they may be elements
-};
-
-/// The sizes in bytes of an array's wire form and of parts of it.
-struct WireSizes {
-  size_t total;
-  size_t payload;
-  size_t real;
-  size_t imag;
 };
 
 /// The array behind a handle: views one message, which other proxies may view too. By
@@ -65,10 +58,10 @@ class KALDEXArrayProxy : boost::noncopyable {
   /// back would be work for nothing: the wire form is then written from the native
   /// elements.
   virtual Sending sending() { return Sending::kAsStored; }
-  /// The sizes of the wire form, here that of the message; then writeWire() may run.
+  /// Measures the wire form, here that of the message; then writeWire() may run.
   virtual WireSizes measureWire() const;
-  /// Writes the wire form, sizes.total bytes, and gives its end.
-  virtual uint8_t* writeWire(const WireSizes& sizes, uint8_t* target) const;
+  /// Writes the wire form that was measured.
+  virtual void writeWire(const WireSizes& sizes, wire::MessagePieces& pieces) const;
 
   QXType type() const { return message_->type(); }
   bool isComplex() const { return isComplex_; }

@@ -159,41 +159,50 @@ Sending KALDEXStructCellArrayProxy<T>::sending() {
 
 template <QXType T>
 WireSizes KALDEXStructCellArrayProxy<T>::measureWire() const {
-  WireSizes sizes{};
+  WireSizes sizes;
   sizes.payload = Payload<T>::of(message()).ByteSizeLong();
   for (size_t i = 0; i < elements_.size(); ++i) {
-    const size_t size = elements_[i]       ? elements_[i]->ByteSizeLong()
-                        : pending_.empty() ? sizeof kEmptySlot
-                                           : pending_.bytes(i).size;
-    sizes.payload += wire::fieldSize(kElementsField<T>, size);
+    WireSizes element;
+    if (elements_[i]) {
+      element = measureMessage(*elements_[i]);
+    } else {
+      const wire::PackedList bytes = bytesWithoutMessage(i);
+      element.total = bytes.wireSize;
+      element.lent = bytes.lentSize();
+    }
+    sizes.payload += wire::fieldSize(kElementsField<T>, element.total);
+    sizes.lent += element.lent;
   }
   sizes.total = headSize(message()) + wire::fieldSize(kPayloadField<T>, sizes.payload);
   return sizes;
 }
 
 template <QXType T>
-uint8_t* KALDEXStructCellArrayProxy<T>::writeWire(const WireSizes& sizes,
-                                                  uint8_t* target) const {
-  const auto writeElement = [&target](wire::Slice bytes) {
-    target = wire::writeFieldHead(kElementsField<T>, bytes.size, target);
-    std::memcpy(target, bytes.data, bytes.size);
-    target += bytes.size;
+void KALDEXStructCellArrayProxy<T>::writeWire(const WireSizes& sizes,
+                                              wire::MessagePieces& pieces) const {
+  const auto startElement = [&pieces](size_t size) {
+    pieces.setEnd(wire::writeFieldHead(kElementsField<T>, size, pieces.end()));
   };
-  target = writeHead(message(), target);
-  target = wire::writeFieldHead(kPayloadField<T>, sizes.payload, target);
-  target = Payload<T>::of(message()).SerializeWithCachedSizesToArray(target);
+  pieces.setEnd(writeHead(message(), pieces.end()));
+  pieces.setEnd(wire::writeFieldHead(kPayloadField<T>, sizes.payload, pieces.end()));
+  pieces.setEnd(Payload<T>::of(message()).SerializeWithCachedSizesToArray(pieces.end()));
   for (size_t i = 0; i < elements_.size(); ++i) {
     if (elements_[i]) {
-      const auto size = static_cast<size_t>(elements_[i]->GetCachedSize());
-      target = wire::writeFieldHead(kElementsField<T>, size, target);
-      target = elements_[i]->SerializeWithCachedSizesToArray(target);
-    } else if (pending_.empty()) {
-      writeElement({kEmptySlot, sizeof kEmptySlot});
+      startElement(static_cast<size_t>(elements_[i]->GetCachedSize()));
+      writeMessage(*elements_[i], pieces);
     } else {
-      writeElement(pending_.bytes(i));
+      const wire::PackedList bytes = bytesWithoutMessage(i);
+      startElement(bytes.wireSize);
+      pieces.append(bytes);
     }
   }
-  return target;
+}
+
+template <QXType T>
+wire::PackedList KALDEXStructCellArrayProxy<T>::bytesWithoutMessage(size_t i) const {
+  if (pending_.empty()) return wire::asStored(kEmptySlot, sizeof kEmptySlot);
+  const wire::Slice bytes = pending_.bytes(i);
+  return wire::asStored(bytes.data, bytes.size);
 }
 
 template class KALDEXStructCellArrayProxy<KALDEX_Array::STRUCT>;

@@ -39,7 +39,7 @@ class KALDEXStructCellArrayProxy : public KALDEXArrayProxy {
   std::unique_ptr<KALDEXArrayProxy> duplicate() override;
   Sending sending() override;
   WireSizes measureWire() const override;
-  uint8_t* writeWire(const WireSizes& sizes, uint8_t* target) const override;
+  void writeWire(const WireSizes& sizes, wire::MessagePieces& pieces) const override;
 
   size_t size() const { return elements_.size(); }
   /// The message of the entry at i, never null.
@@ -52,6 +52,8 @@ class KALDEXStructCellArrayProxy : public KALDEXArrayProxy {
   /// Whether nobody else sees the message; its own list, a remainder of times when others
   /// did, is then dropped.
   bool ownsMessageAlone();
+  /// The wire form of an entry that is null.
+  wire::PackedList bytesWithoutMessage(size_t i) const;
 
   Elements elements_;
   PendingElements pending_;  // as many as there are entries, or none

@@ -9,7 +9,6 @@
 
 #include "array/array_head.h"
 #include "array/checked_cast.h"
-#include "array/packed_varints.h"
 #include "array/proxy_classes.h"
 
 namespace orb {
@@ -46,18 +45,6 @@ void widen(const std::vector<Native>& elements,
            google::protobuf::RepeatedField<Wire>& list) {
   const size_t common = std::min(elements.size(), static_cast<size_t>(list.size()));
   std::copy_n(elements.begin(), common, list.begin());
-}
-
-size_t packedFieldSize(int field, size_t size) {
-  return size == 0 ? 0 : wire::fieldSize(field, size);
-}
-
-template <class Native>
-uint8_t* writePackedField(int field, size_t size, const std::vector<Native>& elements,
-                          size_t count, uint8_t* target) {
-  if (size == 0) return target;
-  target = wire::writeFieldHead(field, size, target);
-  return wire::writePacked(elements.data(), count, target);
 }
 
 }  // namespace
@@ -126,21 +113,22 @@ Sending NativeArrayProxy<T>::sending() {
 }
 
 template <QXType T>
-WireSizes NativeArrayProxy<T>::measureWire() const {
-  WireSizes sizes{};
-  sizes.real = wire::packedSize(real_.data(), realOnWire_);
-  sizes.imag = wire::packedSize(imag_.data(), imagOnWire_);
-  sizes.payload = packedFieldSize(1, sizes.real) + packedFieldSize(2, sizes.imag);
-  sizes.total = headSize(message()) + wire::fieldSize(kPayloadField<T>, sizes.payload);
-  return sizes;
+DenseForm NativeArrayProxy<T>::form(size_t realSize, size_t imagSize) const {
+  return {message(), kPayloadField<T>, wire::asVarints(real_, realOnWire_, realSize),
+          wire::asVarints(imag_, imagOnWire_, imagSize)};
 }
 
 template <QXType T>
-uint8_t* NativeArrayProxy<T>::writeWire(const WireSizes& sizes, uint8_t* target) const {
-  target = writeHead(message(), target);
-  target = wire::writeFieldHead(kPayloadField<T>, sizes.payload, target);
-  target = writePackedField(1, sizes.real, real_, realOnWire_, target);
-  return writePackedField(2, sizes.imag, imag_, imagOnWire_, target);
+WireSizes NativeArrayProxy<T>::measureWire() const {
+  return form(wire::packedSize(real_.data(), realOnWire_),
+              wire::packedSize(imag_.data(), imagOnWire_))
+      .measure();
+}
+
+template <QXType T>
+void NativeArrayProxy<T>::writeWire(const WireSizes& sizes,
+                                    wire::MessagePieces& pieces) const {
+  form(sizes.real, sizes.imag).write(pieces);
 }
 
 template class NativeArrayProxy<KALDEX_Array::UINT16>;

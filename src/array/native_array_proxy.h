@@ -35,11 +35,12 @@ class NativeArrayProxy : public KALDEXArrayProxy {
   std::unique_ptr<KALDEXArrayProxy> duplicate() override;
   Sending sending() override;
   WireSizes measureWire() const override;
-  uint8_t* writeWire(const WireSizes& sizes, uint8_t* target) const override;
+  void writeWire(const WireSizes& sizes, wire::MessagePieces& pieces) const override;
 
   const std::vector<Native>& real() const { return real_; }
 
  private:
+  DenseForm form(size_t realSize, size_t imagSize) const;
   static void* startOf(std::vector<Native>& elements) {
     return elements.empty() ? nullptr : elements.data();
   }

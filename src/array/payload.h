@@ -62,6 +62,12 @@ inline constexpr bool kIsNumeric = T <= KALDEX_Array::DOUBLE;
 template <QXType T>
 inline constexpr bool kIsBytes = T == KALDEX_Array::UINT8 || T == KALDEX_Array::INT8;
 
+/// Types whose elements are on the wire what they are in memory.
+template <QXType T>
+inline constexpr bool kIsStoredAsSent =
+    kIsBytes<T> || T == KALDEX_Array::UINT32 || T == KALDEX_Array::INT32 ||
+    T == KALDEX_Array::SINGLE || T == KALDEX_Array::DOUBLE || T == KALDEX_Array::LOGICAL;
+
 /// Types whose proxy keeps 16-bit elements of its own.
 template <QXType T>
 inline constexpr bool kIsNative16 =

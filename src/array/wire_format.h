@@ -9,6 +9,9 @@
 
 namespace orb::wire {
 
+static_assert(__BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__,
+              "Numbers go to the wire as they are in memory.");
+
 /// Bytes that somebody else owns.
 struct Slice {
   const uint8_t* data;

@@ -46,6 +46,18 @@ size_t onBody(char* bytes, size_t size, size_t count, void* transfer) {
       [&](HttpResponse& response) { return response.appendBody(bytes, length); });
 }
 
+size_t onRead(char* target, size_t size, size_t count, void* body) {
+  return static_cast<BodySource*>(body)->read(reinterpret_cast<uint8_t*>(target),
+                                              size * count);
+}
+
+// libcurl only ever goes back to the start of a body.
+int onSeek(void* body, curl_off_t offset, int origin) {
+  if (offset != 0 || origin != SEEK_SET) return CURL_SEEKFUNC_FAIL;
+  static_cast<BodySource*>(body)->rewind();
+  return CURL_SEEKFUNC_OK;
+}
+
 struct FreeList {
   void operator()(curl_slist* list) const { curl_slist_free_all(list); }
 };
@@ -93,6 +105,14 @@ HttpRequest::HttpRequest(CurlHandle handle, const std::string& url,
 void HttpRequest::setBody(const void* data, uint64_t length) {
   setOption(handle_, CURLOPT_POSTFIELDS, data);
   setOption(handle_, CURLOPT_POSTFIELDSIZE, boost::numeric_cast<long>(length));
+}
+
+void HttpRequest::setBody(BodySource& body) {
+  setBody(nullptr, body.size());
+  setOption(handle_, CURLOPT_READFUNCTION, &onRead);
+  setOption(handle_, CURLOPT_READDATA, static_cast<void*>(&body));
+  setOption(handle_, CURLOPT_SEEKFUNCTION, &onSeek);
+  setOption(handle_, CURLOPT_SEEKDATA, static_cast<void*>(&body));
 }
 
 std::unique_ptr<Response> HttpRequest::perform() {

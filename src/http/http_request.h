@@ -19,6 +19,7 @@ class HttpRequest : public Request {
               boost::shared_ptr<KeptBlock> bodyBlock);
 
   void setBody(const void* data, uint64_t length) override;
+  void setBody(BodySource& body) override;
   std::unique_ptr<Response> perform() override;
 
  private:

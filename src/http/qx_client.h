@@ -25,11 +25,27 @@ class Response : boost::noncopyable {
   virtual ~Response() = default;
 };
 
+/// A body that is read while it is sent.
+class BodySource : boost::noncopyable {
+ public:
+  virtual uint64_t size() const = 0;
+  /// Copies the next bytes, `capacity` of them unless the body ends.
+  virtual size_t read(uint8_t* target, size_t capacity) noexcept = 0;
+  /// Goes back to the first byte: a request on a kept connection that the server has closed
+  /// meanwhile is sent again.
+  virtual void rewind() noexcept = 0;
+
+ protected:
+  ~BodySource() = default;
+};
+
 /// One POST.
 class Request : boost::noncopyable {
  public:
   /// Sets the body. The bytes are not copied: they must live until perform() returns.
   virtual void setBody(const void* data, uint64_t length) = 0;
+  /// The same for a body in pieces.
+  virtual void setBody(BodySource& body) = 0;
   /// Sends the request and waits for the response, whatever its status. Throws a standard
   /// exception when there is none.
   virtual std::unique_ptr<Response> perform() = 0;

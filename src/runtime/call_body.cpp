@@ -49,43 +49,52 @@ void writeBack(std::vector<Input>& inputs) {
   }
 }
 
-size_t measure(std::vector<Input>& inputs) {
-  size_t size = 0;
+WireSizes measure(std::vector<Input>& inputs) {
+  WireSizes sizes;
   for (Input& input : inputs) {
     const KALDEXArrayProxy& proxy = *input.proxy;
     input.sizes =
         isDirect(input) ? proxy.measureWire() : proxy.KALDEXArrayProxy::measureWire();
-    size += wire::fieldSize(KALDEX_Params::kRhsFieldNumber, input.sizes.total);
+    sizes.total += wire::fieldSize(KALDEX_Params::kRhsFieldNumber, input.sizes.total);
+    sizes.lent += input.sizes.lent;
   }
-  return size;
+  return sizes;
 }
 
-void write(const std::vector<Input>& inputs, uint8_t* target) {
+void write(const std::vector<Input>& inputs, wire::MessagePieces& pieces) {
   for (const Input& input : inputs) {
     const KALDEXArrayProxy& proxy = *input.proxy;
-    target =
-        wire::writeFieldHead(KALDEX_Params::kRhsFieldNumber, input.sizes.total, target);
-    target = isDirect(input) ? proxy.writeWire(input.sizes, target)
-                             : proxy.KALDEXArrayProxy::writeWire(input.sizes, target);
+    pieces.setEnd(wire::writeFieldHead(KALDEX_Params::kRhsFieldNumber, input.sizes.total,
+                                       pieces.end()));
+    if (isDirect(input)) {
+      proxy.writeWire(input.sizes, pieces);
+    } else {
+      proxy.KALDEXArrayProxy::writeWire(input.sizes, pieces);
+    }
   }
 }
 
 }  // namespace
 
-size_t encodeCall(uint32_t outputsWanted, const orbArray* inputs, int32_t inputCount,
-                  ByteBlock& block) {
+CallBody::CallBody(ByteBlock& block, uint32_t outputsWanted, const orbArray* inputs,
+                   int32_t inputCount)
+    : block_(block) {
   std::vector<Input> parts = inputsOf(inputs, inputCount);
   writeBack(parts);
   // The number is signed, and a negative one sign-extended.
   const auto nargout =
       static_cast<uint64_t>(int64_t{static_cast<int32_t>(outputsWanted)});
-  const size_t size =
-      wire::varintSize(kNargoutTag) + wire::varintSize(nargout) + measure(parts);
+  const WireSizes sizes = measure(parts);
+  size_ = wire::varintSize(kNargoutTag) + wire::varintSize(nargout) + sizes.total;
   // Beyond 31 bits the message library cannot count, and would write a broken message.
-  checkedInt32(size);
-  block.reserve(size, 0);
-  write(parts, wire::writeVarint(nargout, wire::writeVarint(kNargoutTag, block.data())));
-  return size;
+  checkedInt32(size_);
+  writtenSize_ = size_ - sizes.lent;
+  block.reserve(writtenSize_, 0);
+  pieces_.start(block.data());
+  pieces_.setEnd(
+      wire::writeVarint(nargout, wire::writeVarint(kNargoutTag, pieces_.end())));
+  write(parts, pieces_);
+  pieces_.finish();
 }
 
 }  // namespace orb

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
 #include <algorithm>
-#include <boost/noncopyable.hpp>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -16,29 +15,14 @@
 namespace orb {
 namespace {
 
-/// The bytes of a request, in the context's block.
-class EncodedCall : boost::noncopyable {
- public:
-  EncodedCall(ByteBlock& block, uint32_t nlhs, uint32_t nrhs, const orbArray* rhs)
-      : block_(block) {
-    const int32_t inputs = rhs == nullptr ? 0 : static_cast<int32_t>(nrhs);
-    size_ = encodeCall(nlhs, rhs, std::max(inputs, 0), block_);
-  }
-  ~EncodedCall() { block_.trim(size_); }
-
-  const uint8_t* data() const { return block_.data(); }
-  size_t size() const { return size_; }
-
- private:
-  ByteBlock& block_;
-  size_t size_ = 0;
-};
-
-std::unique_ptr<Response> post(QXClient& client, const char* url,
-                               const EncodedCall& body) {
+std::unique_ptr<Response> post(QXClient& client, const char* url, CallBody& body) {
   if (url == nullptr) throw std::logic_error("The URL is null.");
   std::unique_ptr<Request> request = client.createRequest(url);
-  request->setBody(body.data(), body.size());
+  if (body.data() != nullptr) {
+    request->setBody(body.data(), body.size());
+  } else {
+    request->setBody(body);
+  }
   return request->perform();
 }
 
@@ -103,7 +87,8 @@ orbStatus feval(orbClientContext* context, const char* url, uint32_t nlhs, orbAr
                 uint32_t nrhs, const orbArray* rhs) {
   return guarded(*context, [&] {
     if (!context->client) throw std::logic_error("The client context has no client.");
-    const EncodedCall body(context->requestBlock, nlhs, nrhs, rhs);
+    const int32_t inputs = rhs == nullptr ? 0 : static_cast<int32_t>(nrhs);
+    CallBody body(context->requestBlock, nlhs, rhs, std::max(inputs, 0));
     const std::unique_ptr<Response> response = post(*context->client, url, body);
     if (response->getStatusCode() != 200) {
       context->lastError.recordHttpError(response->getStatusCode(),

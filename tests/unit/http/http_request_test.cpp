@@ -3,6 +3,7 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <boost/numeric/conversion/cast.hpp>
 #include <cstring>
 #include <new>
@@ -60,6 +61,62 @@ TEST_F(SetBody, RefusesLengthsThatLibcurlCannotCount) {
   EXPECT_THAT([&] { request_->setBody("", 9223372036854775808u); },
               ThrowsMessage<boost::numeric::positive_overflow>(
                   "bad numeric conversion: positive overflow"));
+}
+
+/// The body "abcde".
+class Letters final : public BodySource {
+ public:
+  uint64_t size() const override { return 5; }
+  size_t read(uint8_t* target, size_t capacity) noexcept override {
+    const size_t count = std::min(capacity, size_t{5} - position_);
+    std::memcpy(target, "abcde" + position_, count);
+    position_ += count;
+    return count;
+  }
+  void rewind() noexcept override { position_ = 0; }
+
+ private:
+  size_t position_ = 0;
+};
+
+template <class Function>
+Function callback(CURLoption option) {
+  return reinterpret_cast<Function>(const_cast<void*>(fakeCurl().pointers[option]));
+}
+
+TEST_F(SetBody, HandsOverACallbackForABodyInPieces) {
+  Letters letters;
+  request_->setBody(letters);
+  EXPECT_THAT(
+      fakeCurl().settings,
+      ElementsAre(Setting(CURLOPT_POSTFIELDS, ""), Setting(CURLOPT_POSTFIELDSIZE, "5"),
+                  Setting(CURLOPT_READFUNCTION, ""), Setting(CURLOPT_READDATA, ""),
+                  Setting(CURLOPT_SEEKFUNCTION, ""), Setting(CURLOPT_SEEKDATA, "")));
+  EXPECT_EQ(fakeCurl().pointers[CURLOPT_POSTFIELDS], nullptr);
+  EXPECT_EQ(fakeCurl().pointers[CURLOPT_READDATA], &letters);
+  const auto read = callback<curl_read_callback>(CURLOPT_READFUNCTION);
+  char bytes[7] = {};
+  EXPECT_EQ(read(bytes, 2, 2, &letters), 4u);
+  EXPECT_EQ(read(bytes + 4, 1, 2, &letters), 1u);
+  EXPECT_EQ(read(bytes, 1, 2, &letters), 0u);
+  EXPECT_STREQ(bytes, "abcde");
+}
+
+TEST_F(SetBody, LetsLibcurlStartTheBodyAgain) {
+  Letters letters;
+  request_->setBody(letters);
+  EXPECT_EQ(fakeCurl().pointers[CURLOPT_SEEKDATA], &letters);
+  const auto read = callback<curl_read_callback>(CURLOPT_READFUNCTION);
+  const auto seek = callback<curl_seek_callback>(CURLOPT_SEEKFUNCTION);
+  char bytes[3] = {};
+  read(bytes, 1, 2, &letters);
+  EXPECT_EQ(seek(&letters, 0, SEEK_SET), CURL_SEEKFUNC_OK);
+  EXPECT_EQ(read(bytes, 1, 2, &letters), 2u);
+  EXPECT_STREQ(bytes, "ab");
+  EXPECT_EQ(seek(&letters, 1, SEEK_SET), CURL_SEEKFUNC_FAIL);
+  EXPECT_EQ(seek(&letters, 0, SEEK_END), CURL_SEEKFUNC_FAIL);
+  EXPECT_EQ(read(bytes, 1, 1, &letters), 1u);
+  EXPECT_STREQ(bytes, "cb");
 }
 
 TEST_F(SetBody, ThrowsWhenAnOptionIsRefused) {

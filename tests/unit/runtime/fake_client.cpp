@@ -35,16 +35,29 @@ class FakeRequest : public Request {
     length_ = length;
   }
 
+  void setBody(BodySource& source) override {
+    server_.onSetBody();
+    source_ = &source;
+  }
+
   std::unique_ptr<Response> perform() override {
     server_.onPerform();
-    server_.bodies.emplace_back(data_, length_);
+    server_.bodies.push_back(source_ == nullptr ? std::string(data_, length_)
+                                                : readAll(*source_));
     return std::make_unique<FakeResponse>(server_);
   }
 
  private:
+  static std::string readAll(BodySource& source) {
+    std::string body(source.size() + 1, '\0');
+    body.resize(source.read(reinterpret_cast<uint8_t*>(body.data()), body.size()));
+    return body;
+  }
+
   FakeServer& server_;
   const char* data_ = nullptr;
   size_t length_ = 0;
+  BodySource* source_ = nullptr;
 };
 
 }  // namespace

@@ -3,6 +3,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <initializer_list>
+
 #include "array/handle.h"
 #include "array/received_array.h"
 #include "orb.client.KALDEXParams.pb.h"
@@ -15,7 +18,8 @@ namespace {
 /// alone.
 class Pool {
  public:
-  explicit Pool(uint32_t seed) : random_(seed) {
+  explicit Pool(uint32_t seed, bool withLarge = false)
+      : random_(seed), withLarge_(withLarge) {
     for (int i = 0; i < 12; ++i) step();
   }
 
@@ -47,8 +51,10 @@ class Pool {
       case 2:
         return keep(orbCreateString("some text of more than sixteen units"));
       case 3: {
-        const std::string bytes = random_.array(random_.oneIn(4)).SerializeAsString();
-        return keep(handleFromWire(sliceOf(bytes)).release());
+        const KALDEX_Array array = withLarge_ && random_.oneIn(2)
+                                       ? random_.largeArray()
+                                       : random_.array(random_.oneIn(4));
+        return keep(handleFromWire(sliceOf(array.SerializeAsString())).release());
       }
       case 4:
       case 5:
@@ -82,6 +88,7 @@ class Pool {
   }
 
   RandomArrays random_;
+  bool withLarge_;
   std::vector<UniqueHandle> arrays_;
 };
 
@@ -94,17 +101,35 @@ std::string reference(const std::vector<orbArray>& inputs) {
   return params.SerializeAsString();
 }
 
-std::string encoded(const std::vector<orbArray>& inputs) {
-  ByteBlock block;
-  const size_t size =
-      encodeCall(UINT32_MAX, inputs.data(), static_cast<int32_t>(inputs.size()), block);
-  return std::string(reinterpret_cast<const char*>(block.data()), size);
+/// What is read of a body by reads of these many bytes and, at the end, of the rest.
+std::string readFrom(CallBody& body, std::initializer_list<size_t> reads) {
+  std::string bytes(body.size() + 1, '\0');
+  auto* const start = reinterpret_cast<uint8_t*>(bytes.data());
+  size_t size = 0;
+  for (const size_t part : reads) {
+    size += body.read(start + size, std::min(part, bytes.size() - size));
+  }
+  size += body.read(start + size, bytes.size() - size);
+  bytes.resize(size);
+  return bytes;
 }
 
-TEST(EncodeCall, WritesTheBytesOfTheMessageLibrary) {
-  for (uint32_t seed = 0; seed < 4000; ++seed) {
-    Pool fast(seed);
-    Pool plain(seed);
+std::string encoded(const std::vector<orbArray>& inputs) {
+  ByteBlock block;
+  CallBody body(block, UINT32_MAX, inputs.data(), static_cast<int32_t>(inputs.size()));
+  if (body.data() != nullptr) {
+    return std::string(reinterpret_cast<const char*>(body.data()), body.size());
+  }
+  const std::string bytes = readFrom(body, {});
+  body.rewind();
+  EXPECT_EQ(bytes, readFrom(body, {1, 20, 7, 20000, 1, 1, 1, 1, 1, 2, 3, 16384}));
+  return bytes;
+}
+
+void compareWithTheMessageLibrary(uint32_t seeds, bool withLarge) {
+  for (uint32_t seed = 0; seed < seeds; ++seed) {
+    Pool fast(seed, withLarge);
+    Pool plain(seed, withLarge);
     for (int call = 0; call < 2; ++call) {
       ASSERT_EQ(encoded(fast.pick()), reference(plain.pick())) << "seed " << seed;
     }
@@ -117,11 +142,54 @@ TEST(EncodeCall, WritesTheBytesOfTheMessageLibrary) {
   }
 }
 
-TEST(EncodeCall, WithoutInputsIsTheNumberOfOutputs) {
+TEST(CallBody, HasTheBytesOfTheMessageLibrary) {
+  compareWithTheMessageLibrary(4000, false);
+}
+
+TEST(CallBody, HasTheBytesOfTheMessageLibraryWhereListsAreLarge) {
+  compareWithTheMessageLibrary(100, true);
+}
+
+/// The bytes of a body that are not in the block.
+size_t bytesLent(const std::vector<orbArray>& inputs) {
   ByteBlock block;
-  ASSERT_EQ(encodeCall(0, nullptr, 0, block), 2u);
-  EXPECT_EQ(block.data()[0], 0x08);
-  EXPECT_EQ(block.data()[1], 0x00);
+  const CallBody body(block, 1, inputs.data(), static_cast<int32_t>(inputs.size()));
+  return body.size() - std::min<size_t>(body.size(), block.capacity());
+}
+
+TEST(CallBody, LendsTheListsOfLargeArrays) {
+  constexpr size_t kCount = 65536;
+  for (const orbClassID id :
+       {orbUINT8_CLASS, orbINT8_CLASS, orbUINT16_CLASS, orbINT16_CLASS, orbUINT32_CLASS,
+        orbINT32_CLASS, orbSINGLE_CLASS, orbDOUBLE_CLASS}) {
+    SCOPED_TRACE(id);
+    const UniqueHandle array(orbCreateNumericMatrix(kCount, 1, id, orbCOMPLEX));
+    const bool isNative = id == orbUINT16_CLASS || id == orbINT16_CLASS;
+    const size_t wireSize = isNative ? 1 : orbGetElementSize(array.get());
+    EXPECT_EQ(bytesLent({array.get()}), 2 * kCount * wireSize);
+    if (isNative) continue;  // its elements are another message's, in 32 bits
+    const UniqueHandle cell(orbCreateCellMatrix(1, 1));
+    orbSetCell(cell.get(), 0, array.get());
+    EXPECT_EQ(bytesLent({cell.get()}), 2 * kCount * wireSize);
+  }
+}
+
+TEST(CallBody, IsInOnePieceBelow64KiB) {
+  ByteBlock block;
+  for (const size_t count : {0, 1, 65535}) {
+    const UniqueHandle array(orbCreateNumericMatrix(count, 1, orbUINT8_CLASS, orbREAL));
+    const orbArray input = array.get();
+    const CallBody body(block, 1, &input, 1);
+    EXPECT_EQ(body.data(), block.data());
+  }
+}
+
+TEST(CallBody, WithoutInputsIsTheNumberOfOutputs) {
+  ByteBlock block;
+  const CallBody body(block, 0, nullptr, 0);
+  ASSERT_EQ(body.size(), 2u);
+  EXPECT_EQ(body.data()[0], 0x08);
+  EXPECT_EQ(body.data()[1], 0x00);
 }
 
 }  // namespace

@@ -127,6 +127,17 @@ KALDEX_Array RandomArrays::array(bool mayBeOdd, int depth) {
   return message;
 }
 
+KALDEX_Array RandomArrays::largeArray() {
+  KALDEX_Array message;
+  message.set_type(static_cast<QXType>(below(KALDEX_Array::STRUCT)));
+  const uint32_t count = 60000 + below(10000);
+  message.add_dimension(1);
+  message.add_dimension(count);
+  fillPayload(message, count, 0);
+  if (oneIn(4)) makeOdd(message);
+  return message;
+}
+
 std::string RandomArrays::damaged(std::string bytes) {
   if (bytes.empty()) return bytes;
   const auto place = [&] { return below(static_cast<uint32_t>(bytes.size())); };

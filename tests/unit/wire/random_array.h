@@ -29,6 +29,9 @@ class RandomArrays {
   /// clients do not use, unknown fields, or lists that do not match its shape.
   KALDEX_Array array(bool mayBeOdd, int depth = 0);
 
+  /// A dense array of tens of thousands of elements, also an odd one.
+  KALDEX_Array largeArray();
+
   /// The bytes cut, or with some of them changed.
   std::string damaged(std::string bytes);
 
