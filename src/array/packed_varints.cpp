@@ -1,12 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "array/packed_varints.h"
 
-#ifdef __SSE2__
-#include <emmintrin.h>
-#endif
-
 #include <algorithm>
 #include <type_traits>
+
+#include "array/varint_groups.h"
 
 namespace orb::wire {
 namespace {
@@ -14,6 +12,8 @@ namespace {
 // Elements or bytes that are looked at together. Text is mostly ASCII and small integers
 // are common: blocks in which every element takes one byte are moved as a whole.
 constexpr size_t kBlock = 64;
+// The most that writing a block writes behind its end.
+constexpr size_t kScratch = 12;
 
 bool isNegative(int16_t element) { return element < 0; }
 bool isNegative(uint16_t) { return false; }
@@ -46,9 +46,16 @@ uint32_t spreadSize(uint16_t element) {
 }
 
 /// Writes a block of varints of up to three bytes. Nothing branches on their sizes, which
-/// in random data no processor can guess; up to seven bytes behind the last are scratch.
+/// in random data no processor can guess. Up to kScratch bytes behind the last are
+/// scratch.
 template <class Native>
 uint8_t* writeBlock(const Native* elements, uint8_t* target) {
+#ifdef ORB_VARINT_GROUPS
+  if (hasVarintGroups()) {
+    for (size_t i = 0; i < kBlock; i += kGroup) target = writeGroup(elements + i, target);
+    return target;
+  }
+#endif
   uint32_t bytes[kBlock];
   uint32_t sizes[kBlock];
   for (size_t i = 0; i < kBlock; ++i) {
@@ -63,6 +70,18 @@ uint8_t* writeBlock(const Native* elements, uint8_t* target) {
   return target;
 }
 
+/// Writes a varint of up to three bytes, or of ten for a negative element; up to nine
+/// bytes behind it are scratch.
+uint8_t* writeSigned(int16_t element, uint8_t* target) {
+  const auto bits = static_cast<uint16_t>(element);
+  const auto sign = static_cast<uint64_t>(int64_t{element} >> 16);  // all bits, or none
+  const uint64_t low = spread(bits) | sign << 18;
+  std::memcpy(target, &low, sizeof low);
+  constexpr uint8_t kEndOfNegative[] = {0xFF, 0x01};
+  std::memcpy(target + sizeof low, kEndOfNegative, sizeof kEndOfNegative);
+  return target + spreadSize(bits) + (sign & (kMaxVarintSize - 3));
+}
+
 template <class Native>
 uint16_t allBits(const Native* block) {
   uint16_t bits = 0;
@@ -73,7 +92,7 @@ uint16_t allBits(const Native* block) {
 /// Bit i says whether byte i of a block ends a varint.
 uint64_t endsOfVarints(const uint8_t* block) {
   uint64_t ends = 0;
-#ifdef __SSE2__
+#ifdef ORB_VARINT_GROUPS
   for (size_t i = 0; i < kBlock; i += 16) {
     const __m128i part = _mm_loadu_si128(reinterpret_cast<const __m128i*>(block + i));
     ends |= uint64_t{static_cast<uint16_t>(~_mm_movemask_epi8(part))} << i;
@@ -98,25 +117,31 @@ const uint8_t* readOne(const uint8_t* at, const uint8_t* end, uint16_t& bits) {
   return nullptr;
 }
 
-/// The low 16 bits of a varint of `size` bytes, at most four, that are the highest of a
-/// word.
+/// The low 16 bits of a varint that a word begins with.
 uint16_t gather(uint32_t word, size_t size) {
-  word >>= 32 - 8 * size;
+  word &= 0xFFFFFFu >> 8 * (3 - std::min(size, size_t{3}));
   return static_cast<uint16_t>((word & 0x7F) | (word >> 1 & 0x3F80) |
                                (word >> 2 & 0xC000));
 }
 
-/// Reads the varints of a block as far as they are short and end in it, and gives their
-/// end. The three bytes in front of the block can be read.
+/// Reads the varints that begin in a block, except in its last three bytes, as far as
+/// they end in it, and gives their end.
 template <class Native>
 const uint8_t* readBlock(const uint8_t* block, Native*& target) {
+  uint64_t ends = endsOfVarints(block);
+#ifdef ORB_VARINT_GROUPS
+  if (hasVarintGroups()) {
+    const uint8_t* const end = readGroups(block, ends, target);
+    if (end != block) return end;
+  }
+#endif
   const uint8_t* start = block;
-  for (uint64_t ends = endsOfVarints(block); ends != 0; ends &= ends - 1) {
+  for (; ends != 0; ends &= ends - 1) {
     const uint8_t* const next = block + __builtin_ctzll(ends) + 1;
     const size_t size = static_cast<size_t>(next - start);
-    if (size > sizeof(uint32_t)) break;
     uint32_t word = 0;
-    std::memcpy(&word, next - sizeof word, sizeof word);
+    if (size > kMaxVarintSize || start > block + kBlock - sizeof word) break;
+    std::memcpy(&word, start, sizeof word);
     *target++ = static_cast<Native>(gather(word, size));
     start = next;
   }
@@ -138,7 +163,7 @@ template <class Native>
 uint8_t* writePacked(const Native* elements, size_t count, uint8_t* target) {
   size_t i = 0;
   // As many elements stay behind every block as scratch bytes may be written.
-  for (; i + kBlock + sizeof(uint64_t) <= count; i += kBlock) {
+  for (; i + kBlock + kScratch <= count; i += kBlock) {
     const uint16_t bits = allBits(elements + i);
     if (bits < 0x80) {
       std::transform(elements + i, elements + i + kBlock, target,
@@ -146,7 +171,7 @@ uint8_t* writePacked(const Native* elements, size_t count, uint8_t* target) {
       target += kBlock;
     } else if (isNegative(static_cast<Native>(bits))) {
       for (size_t j = i; j < i + kBlock; ++j) {
-        target = writeVarint(static_cast<uint64_t>(int64_t{elements[j]}), target);
+        target = writeSigned(static_cast<int16_t>(elements[j]), target);
       }
     } else {
       target = writeBlock(elements + i, target);
@@ -171,9 +196,7 @@ bool readPacked(Slice bytes, std::vector<Native>& elements) {
       at += kBlock;
       continue;
     }
-    const bool hasWordBefore =
-        at - bytes.data >= static_cast<ptrdiff_t>(sizeof(uint32_t));
-    if (isBlock && hasWordBefore) {
+    if (isBlock) {
       const uint8_t* const start = at;
       at = readBlock(at, target);
       if (at != start) continue;

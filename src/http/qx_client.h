@@ -31,8 +31,8 @@ class BodySource : boost::noncopyable {
   virtual uint64_t size() const = 0;
   /// Copies the next bytes, `capacity` of them unless the body ends.
   virtual size_t read(uint8_t* target, size_t capacity) noexcept = 0;
-  /// Goes back to the first byte: a request on a kept connection that the server has closed
-  /// meanwhile is sent again.
+  /// Goes back to the first byte: a request on a kept connection that the server has
+  /// closed meanwhile is sent again.
   virtual void rewind() noexcept = 0;
 
  protected:

@@ -12,9 +12,9 @@
 
 namespace orb {
 
-/// The body of a call, a KALDEX_Params message: the number of outputs wanted and the input
-/// arrays. What is small of it stands in the block; the large lists of the inputs are read
-/// where they are, so the inputs must stay as they are until the call is over.
+/// The body of a call, a KALDEX_Params message: the number of outputs wanted and the
+/// input arrays. What is small of it stands in the block; the large lists of the inputs
+/// are read where they are, so the inputs must stay as they are until the call is over.
 class CallBody final : public BodySource {
  public:
   /// Inputs whose storage others can see are written back, in order, before any is

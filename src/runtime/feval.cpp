@@ -42,8 +42,8 @@ void storeOutputs(client::KALDEX_Result& result, orbArray* lhs) {
   }
 }
 
-/// Outputs under way. Those that are made are the caller's in the end, also when memory ends
-/// before all are.
+/// Outputs under way. Those that are made are the caller's in the end, also when memory
+/// ends before all are.
 struct Outputs {
   ~Outputs() {
     for (size_t i = 0; i < handles.size(); ++i) {
