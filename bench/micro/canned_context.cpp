@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "micro/canned_context.h"
 
+#include <array>
 #include <memory>
 #include <stdexcept>
 #include <utility>
@@ -32,6 +33,12 @@ class CannedRequest : public Request {
   explicit CannedRequest(const std::string& reply) : reply_(reply) {}
 
   void setBody(const void*, uint64_t) override {}
+  // Read as libcurl reads it.
+  void setBody(BodySource& body) override {
+    static std::array<uint8_t, size_t{64} << 10> buffer;
+    while (body.read(buffer.data(), buffer.size()) != 0) {
+    }
+  }
   std::unique_ptr<Response> perform() override {
     return std::make_unique<CannedResponse>(reply_);
   }

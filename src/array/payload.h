@@ -62,11 +62,17 @@ inline constexpr bool kIsNumeric = T <= KALDEX_Array::DOUBLE;
 template <QXType T>
 inline constexpr bool kIsBytes = T == KALDEX_Array::UINT8 || T == KALDEX_Array::INT8;
 
-/// Types whose elements are on the wire what they are in memory.
+/// Types whose elements take four or eight bytes each on the wire, as in memory.
+template <QXType T>
+inline constexpr bool kIsFixedWidth =
+    T == KALDEX_Array::UINT32 || T == KALDEX_Array::INT32 || T == KALDEX_Array::SINGLE ||
+    T == KALDEX_Array::DOUBLE;
+
+/// Types whose elements are sent as they are in memory. Logical ones are not received so:
+/// a server may send other bytes than 0 and 1.
 template <QXType T>
 inline constexpr bool kIsStoredAsSent =
-    kIsBytes<T> || T == KALDEX_Array::UINT32 || T == KALDEX_Array::INT32 ||
-    T == KALDEX_Array::SINGLE || T == KALDEX_Array::DOUBLE || T == KALDEX_Array::LOGICAL;
+    kIsBytes<T> || kIsFixedWidth<T> || T == KALDEX_Array::LOGICAL;
 
 /// Types whose proxy keeps 16-bit elements of its own.
 template <QXType T>

@@ -127,13 +127,18 @@ KALDEX_Array RandomArrays::array(bool mayBeOdd, int depth) {
   return message;
 }
 
-KALDEX_Array RandomArrays::largeArray() {
+KALDEX_Array RandomArrays::arrayOf(QXType type, uint32_t count) {
   KALDEX_Array message;
-  message.set_type(static_cast<QXType>(below(KALDEX_Array::STRUCT)));
-  const uint32_t count = 60000 + below(10000);
+  message.set_type(type);
   message.add_dimension(1);
   message.add_dimension(count);
   fillPayload(message, count, 0);
+  return message;
+}
+
+KALDEX_Array RandomArrays::largeArray() {
+  KALDEX_Array message =
+      arrayOf(static_cast<QXType>(below(KALDEX_Array::STRUCT)), 60000 + below(10000));
   if (oneIn(4)) makeOdd(message);
   return message;
 }

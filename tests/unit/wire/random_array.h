@@ -31,6 +31,8 @@ class RandomArrays {
 
   /// A dense array of tens of thousands of elements, also an odd one.
   KALDEX_Array largeArray();
+  /// An array of a dense type and so many elements.
+  KALDEX_Array arrayOf(QXType type, uint32_t count);
 
   /// The bytes cut, or with some of them changed.
   std::string damaged(std::string bytes);

@@ -103,6 +103,25 @@ TEST(ReadOutputs, GivesWhatParsingGivesForDamagedBodies) {
   }
 }
 
+TEST(ReadOutputs, GivesWhatParsingGivesForHugeLists) {
+  RandomArrays random(10);
+  for (const QXType type :
+       {KALDEX_Array::UINT32, KALDEX_Array::INT32, KALDEX_Array::SINGLE,
+        KALDEX_Array::DOUBLE, KALDEX_Array::LOGICAL}) {
+    for (int i = 0; i < 2; ++i) {
+      SCOPED_TRACE(type);
+      client::KALDEX_Result result;
+      const uint32_t count = type == KALDEX_Array::LOGICAL ? 1u << 22 : 1u << 20;
+      *result.add_lhs() = random.arrayOf(type, count + random.below(100));
+      const std::string body = result.SerializeAsString();
+      int taken = 0;
+      expectSameResult(body, 1, &taken);
+      EXPECT_EQ(taken, 1);
+      for (int j = 0; j < 4; ++j) expectSameResult(random.damaged(body), 1);
+    }
+  }
+}
+
 TEST(ReadOutputs, LeavesAlone) {
   client::KALDEX_Result result;
   result.add_lhs()->set_type(KALDEX_Array::DOUBLE);
