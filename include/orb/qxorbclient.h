@@ -78,7 +78,8 @@
  *    elements;
  *  - orbGetPr(), orbGetPi(), orbGetData(), orbGetImagData(), orbGetLogicals(),
  *    orbGetScalar(), orbGetIr() and orbGetJc(): std::bad_alloc, where an array that holds
- *    no elements yet is given its empty storage.
+ *    no elements yet is given its empty storage;
+ *  - orbRemoveField(): std::bad_alloc.
  *
  * A C program cannot catch them; the C++ runtime then ends it with a message.
  *
@@ -315,9 +316,10 @@ typedef struct orbClientRuntime {
    * a client cannot hold ("dispatch_on_QXType"), and memory running out. A context goes
    * on working after every failure.
    *
-   * When a kept-alive connection ends before the first byte of the reply, libcurl sends
-   * the POST again on a new one: a function may then run twice for one call. On a new
-   * connection nothing is sent again.
+   * When a kept-alive connection ends before the first line of the reply is complete,
+   * libcurl sends the POST again on a new one: a function may then run twice for one
+   * call. An end by a reset may fail the call instead. On a new connection nothing is
+   * sent again.
    *
    * A damaged reply may make the message library write a line to stderr.
    *
@@ -776,6 +778,9 @@ ORB_API int orbAddField(orbArray a, const char* name);
 
 /**
  * Removes field n with its values; no effect when `a` is not a struct or has no field n.
+ *
+ * @par Exceptions
+ *      std::bad_alloc, for a received struct. The fields are then unchanged.
  */
 ORB_API void orbRemoveField(orbArray a, int n);
 
@@ -880,7 +885,11 @@ ORB_API bool orbIsLogicalScalarTrue(const orbArray a);
 /** @return Whether any extent is 0, or there is none. */
 ORB_API bool orbIsEmpty(const orbArray a);
 
-/** @return Whether `name` is exactly the text of orbGetClassName(), case included. */
+/**
+ * @return Whether `name` is exactly the text of orbGetClassName(), case included; false
+ *         for a sparse array that holds neither doubles nor logicals, as only a server
+ *         can make one.
+ */
 ORB_API bool orbIsClass(const orbArray a, const char* name);
 
 /** @} */

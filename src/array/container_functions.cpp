@@ -56,7 +56,7 @@ SharedMessage storable(const orbArray a, const orbArray value) {
   proxyOf(value).flushToMessage();
   const SharedMessage& message = proxyOf(value).sharedMessage();
   const bool isOwn = message == proxyOf(a).sharedMessage();
-  return isOwn ? boost::make_shared<KALDEX_Array>(*message) : message;
+  return isOwn ? orb::copyOf(*message) : message;
 }
 
 /// Null for an empty list.
@@ -64,9 +64,7 @@ size_t* startOf(google::protobuf::RepeatedField<uint64_t>& list) {
   return list.empty() ? nullptr : list.mutable_data();
 }
 
-KALDEX_Array::Sparse& sparseOf(const orbArray a) {
-  return *messageOf(a).mutable_sparse();
-}
+KALDEX_Array::Sparse& sparseOf(const orbArray a) { return orb::sparseIn(messageOf(a)); }
 
 }  // namespace
 
@@ -149,9 +147,9 @@ void orbSetNzmax(orbArray a, size_t nzmax) {
   // end.
   sparse.mutable_ir()->Reserve(capacity);
   if (orb::storesLogicals(sparse)) {
-    sparse.mutable_logical()->mutable_elements()->Resize(capacity, false);
+    orb::logicalsIn(sparse).mutable_elements()->Resize(capacity, false);
   } else {
-    KALDEX_Array::Double& values = *sparse.mutable_qxsparsedouble();
+    KALDEX_Array::Double& values = orb::doublesIn(sparse);
     values.mutable_elements()->Reserve(capacity);
     if (!values.imag_elements().empty()) {
       values.mutable_imag_elements()->Resize(capacity, 0.0);

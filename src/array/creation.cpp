@@ -130,6 +130,7 @@ size_t fieldCount(int nfields) { return nfields > 0 ? static_cast<size_t>(nfield
 
 orbArray withFieldNames(UniqueHandle handle, int nfields, const char** names) {
   KALDEX_Array::Struct& payload = *handle->proxy->message().mutable_struct_();
+  payload.mutable_field_names()->Reserve(std::max(nfields, 0));
   for (int i = 0; i < nfields; ++i) payload.add_field_names(names[i]);
   return handle.release();
 }

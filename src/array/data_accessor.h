@@ -20,11 +20,11 @@ class DataAccessor {
   template <QXType T>
   void visit() {
     if constexpr (T == KALDEX_Array::SPARSE) {
-      KALDEX_Array::Sparse& sparse = *array_.mutable_sparse();
+      KALDEX_Array::Sparse& sparse = sparseIn(array_);
       if (storesLogicals(sparse)) {
-        readReal(*sparse.mutable_logical()->mutable_elements());
+        readReal(*logicalsIn(sparse).mutable_elements());
       } else {
-        KALDEX_Array::Double& values = *sparse.mutable_qxsparsedouble();
+        KALDEX_Array::Double& values = doublesIn(sparse);
         readReal(*values.mutable_elements());
         // Of a sparse array the list alone decides: the flag of one created without
         // elements is real, whatever its values.

@@ -48,7 +48,7 @@ double KALDEXArrayProxy::getScalar() { return dataOf(*message_, isComplex_).scal
 
 std::unique_ptr<KALDEXArrayProxy> KALDEXArrayProxy::duplicate() {
   flushToMessage();
-  return std::make_unique<KALDEXArrayProxy>(boost::make_shared<KALDEX_Array>(*message_));
+  return std::make_unique<KALDEXArrayProxy>(copyOf(*message_));
 }
 
 WireSizes KALDEXArrayProxy::measureWire() const { return measureMessage(*message_); }

@@ -24,7 +24,7 @@ Elements copied(const MessageList& list) {
   Elements elements;
   elements.reserve(static_cast<size_t>(list.size()));
   for (const KALDEX_Array& element : list) {
-    elements.push_back(boost::make_shared<KALDEX_Array>(element));
+    elements.push_back(copyOf(element));
   }
   return elements;
 }
@@ -120,8 +120,10 @@ void KALDEXStructCellArrayProxy<T>::flushToMessage() {
   list.Reserve(size);
   for (int32_t i = 0; i < size; ++i) {
     const KALDEX_Array& source = *element(static_cast<size_t>(i));
+    KALDEX_Array copy;
+    copy.CopyFrom(source);
     KALDEX_Array& place = i < list.size() ? *list.Mutable(i) : *list.Add();
-    place.CopyFrom(source);
+    place.Swap(&copy);
   }
 }
 
@@ -130,14 +132,14 @@ std::unique_ptr<KALDEXArrayProxy> KALDEXStructCellArrayProxy<T>::duplicate() {
   checkedInt32(elements_.size());
   const bool isAlone = ownsMessageAlone();
   if (!isAlone) flushToMessage();
-  auto copy = boost::make_shared<KALDEX_Array>(message());
+  auto copy = copyOf(message());
   if (!isAlone) {
     return std::make_unique<KALDEXStructCellArrayProxy>(std::move(copy),
                                                         MessageUse::kOwn);
   }
   Elements elements(elements_.size());
   for (size_t i = 0; i < elements_.size(); ++i) {
-    if (elements_[i]) elements[i] = boost::make_shared<KALDEX_Array>(*elements_[i]);
+    if (elements_[i]) elements[i] = copyOf(*elements_[i]);
   }
   return std::make_unique<KALDEXStructCellArrayProxy>(std::move(copy),
                                                       std::move(elements), pending_);

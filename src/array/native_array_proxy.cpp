@@ -95,7 +95,7 @@ void NativeArrayProxy<T>::flushToMessage() {
 template <QXType T>
 std::unique_ptr<KALDEXArrayProxy> NativeArrayProxy<T>::duplicate() {
   if (!listsDeferred_) flushToMessage();
-  auto copy = boost::make_shared<KALDEX_Array>(message());
+  auto copy = copyOf(message());
   if (!listsDeferred_) return std::make_unique<ProxyOf<T>>(std::move(copy));
   const auto onWire = [](const std::vector<Native>& elements, size_t count) {
     return std::vector<Native>(elements.data(), elements.data() + count);

@@ -3,6 +3,7 @@
 #ifndef ORB_ARRAY_PAYLOAD_H_
 #define ORB_ARRAY_PAYLOAD_H_
 
+#include <boost/make_shared.hpp>
 #include <cstdint>
 
 #include "orb.client.KALDEXArray.pb.h"
@@ -23,7 +24,10 @@ struct Payload;
     using Native = Element;                                                             \
     static bool isIn(const KALDEX_Array& a) { return a.has_##field(); }                 \
     static const KALDEX_Array::Message& of(const KALDEX_Array& a) { return a.field(); } \
-    static KALDEX_Array::Message& in(KALDEX_Array& a) { return *a.mutable_##field(); }  \
+    static KALDEX_Array::Message& in(KALDEX_Array& a) {                                 \
+      if (!a.has_##field()) a.set_allocated_##field(new KALDEX_Array::Message);         \
+      return *a.mutable_##field();                                                      \
+    }                                                                                   \
   }
 
 ORB_PAYLOAD(UINT8, Uint8, uint8, uint8_t);
@@ -88,6 +92,30 @@ constexpr const char* className(QXType type) {
                                     "int32",   "uint64", "int64",  "single", "double",
                                     "logical", "char",   "struct", "cell"};
   return kNames[type];
+}
+
+/// The parts of a sparse array, made present.
+inline KALDEX_Array::Sparse& sparseIn(KALDEX_Array& a) {
+  if (!a.has_sparse()) a.set_allocated_sparse(new KALDEX_Array::Sparse);
+  return *a.mutable_sparse();
+}
+inline KALDEX_Array::Logical& logicalsIn(KALDEX_Array::Sparse& sparse) {
+  if (!sparse.has_logical()) sparse.set_allocated_logical(new KALDEX_Array::Logical);
+  return *sparse.mutable_logical();
+}
+inline KALDEX_Array::Double& doublesIn(KALDEX_Array::Sparse& sparse) {
+  if (!sparse.has_qxsparsedouble()) {
+    sparse.set_allocated_qxsparsedouble(new KALDEX_Array::Double);
+  }
+  return *sparse.mutable_qxsparsedouble();
+}
+
+/// A copy of a message. The copy constructor of the message library leaves behind what it
+/// made when memory ends half-way; a destructor runs for this one.
+inline boost::shared_ptr<KALDEX_Array> copyOf(const KALDEX_Array& source) {
+  auto copy = boost::make_shared<KALDEX_Array>();
+  copy->CopyFrom(source);
+  return copy;
 }
 
 /// Whether a sparse array stores logical values. Every type a server may send that is not

@@ -23,9 +23,9 @@ class ProtoExtensionResizer {
     if constexpr (T == KALDEX_Array::SPARSE) {
       resizeColumnStarts();
     } else if constexpr (T == KALDEX_Array::STRUCT) {
-      resizeMessages(*array_.mutable_struct_()->mutable_elements());
+      resizeMessages(*Payload<KALDEX_Array::STRUCT>::in(array_).mutable_elements());
     } else if constexpr (T == KALDEX_Array::CELL) {
-      resizeMessages(*array_.mutable_cell()->mutable_elements());
+      resizeMessages(*Payload<KALDEX_Array::CELL>::in(array_).mutable_elements());
     } else {
       auto& payload = Payload<T>::in(array_);
       resize(*payload.mutable_elements());
@@ -53,7 +53,7 @@ class ProtoExtensionResizer {
   void resizeColumnStarts() {
     const uint64_t columns = array_.dimension_size() > 1 ? array_.dimension(1) : 0;
     const int32_t starts = checkedInt32(int64_t{checkedInt32(columns)} + 1);
-    array_.mutable_sparse()->mutable_jc()->Resize(starts, 0);
+    sparseIn(array_).mutable_jc()->Resize(starts, 0);
   }
 
   KALDEX_Array& array_;

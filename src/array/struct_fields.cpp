@@ -43,6 +43,13 @@ bool hasValuePerFieldAndElement(const Elements& elements, size_t fields, uint64_
   return elements.size() % fields == 0 && elements.size() / fields == count;
 }
 
+/// Adds the name, or nothing when memory ends.
+void addName(google::protobuf::RepeatedPtrField<std::string>& names, const char* name) {
+  std::string copy = name;
+  names.Reserve(names.size() + 1);
+  names.Add()->swap(copy);
+}
+
 }  // namespace
 
 int fieldNumber(const KALDEX_Array::Struct& payload, const char* name) {
@@ -52,12 +59,12 @@ int fieldNumber(const KALDEX_Array::Struct& payload, const char* name) {
 }
 
 int addField(KALDEXStructArrayProxy& array, const char* name) {
-  KALDEX_Array::Struct& payload = *array.message().mutable_struct_();
+  KALDEX_Array::Struct& payload = Payload<KALDEX_Array::STRUCT>::in(array.message());
   const int number = payload.field_names_size();
   const size_t fields = static_cast<size_t>(number);
   const uint64_t count = numberOfElements(array.message());
   if (count == 0) {
-    payload.add_field_names(name);
+    addName(*payload.mutable_field_names(), name);
     return number;
   }
   if (!hasValuePerFieldAndElement(array.elements(), fields, count)) {
@@ -65,13 +72,13 @@ int addField(KALDEXStructArrayProxy& array, const char* name) {
   }
   checkedInt32(array.elements().size() + count);
   Elements widened = withValueBehindEach(array.elements(), fields, count);
-  payload.add_field_names(name);
+  addName(*payload.mutable_field_names(), name);
   array.elements().swap(widened);
   return number;
 }
 
 void removeField(KALDEXStructArrayProxy& array, int n) {
-  KALDEX_Array::Struct& payload = *array.message().mutable_struct_();
+  KALDEX_Array::Struct& payload = Payload<KALDEX_Array::STRUCT>::in(array.message());
   const size_t fields = static_cast<size_t>(payload.field_names_size());
   const uint64_t count = numberOfElements(array.message());
   Elements& elements = array.elements();

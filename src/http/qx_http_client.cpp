@@ -46,9 +46,23 @@ void QXHttpClient::applyConfig() {
   // as 2.
   setOption(handle_, CURLOPT_SSL_VERIFYHOST, config_.getVerifyHost() ? 2L : 0L);
   setOption(handle_, CURLOPT_SSL_VERIFYPEER, config_.getVerifyPeer() ? 1L : 0L);
+  isConfigured_ = true;
+}
+
+// Over the life of a handle libcurl counts the requests that it sent again because a kept
+// connection was dead, and fails every sixth. Such a transfer makes a new connection; a
+// reset after it starts the count anew, and keeps what connections there are.
+void QXHttpClient::forgetResentRequests() {
+  long connections = 0;
+  checkCurl(curl_easy_getinfo(handle_.get(), CURLINFO_NUM_CONNECTS, &connections));
+  if (connections == 0 && isConfigured_) return;
+  isConfigured_ = false;  // stays so when a setting fails
+  curl_easy_reset(handle_.get());
+  applyConfig();
 }
 
 std::unique_ptr<Request> QXHttpClient::createRequest(const std::string& url) {
+  forgetResentRequests();
   return std::make_unique<HttpRequest>(handle_, url, config_.getResponseSizeLimit(),
                                        bodyBlock_);
 }

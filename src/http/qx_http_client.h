@@ -26,9 +26,11 @@ class QXHttpClient : public QXClient {
 
  private:
   void applyConfig();
+  void forgetResentRequests();
 
   QXHttpClientConfig config_;
   boost::shared_ptr<void> handle_;
+  bool isConfigured_ = false;  // the handle has all settings
   boost::shared_ptr<KeptBlock> bodyBlock_;  // kept between requests
 };
 

@@ -148,6 +148,33 @@ TEST(EarlyEnd, OfAReusedConnectionSendsTheRequestAgain) {
   EXPECT_EQ(requests[2].connection, 1U);
 }
 
+TEST(EarlyEnd, OfAReusedConnectionSendsALargeRequestAgain) {
+  ScriptedServer server(usualReply());
+  Caller caller;
+  const Array large(orbCreateNumericMatrix(300000, 1, orbUINT16_CLASS, orbREAL));
+  auto* const elements = static_cast<std::uint16_t*>(orbGetData(large));
+  for (std::size_t i = 0; i < 300000; ++i) elements[i] = static_cast<std::uint16_t>(i);
+  expectUsualCall(caller, server.url());
+  server.onRequest({close()});
+  std::vector<Array> outputs(1);
+  EXPECT_EQ(caller.call(server.url(), outputs, {large}), success());
+  const std::vector<Request> requests = server.requests();
+  ASSERT_EQ(requests.size(), 3U);
+  EXPECT_GT(requests[1].body.size(), 700000U);
+  EXPECT_EQ(requests[1].body, requests[2].body);
+}
+
+// libcurl itself gives up at every sixth in the life of a handle.
+TEST(EarlyEnd, OfReusedConnectionsMaySendRequestsAgainAnyNumberOfTimes) {
+  ScriptedServer server(usualReply());
+  Caller caller;
+  for (int i = 0; i < 14; ++i) {
+    expectUsualCall(caller, server.url());
+    server.onRequest({close()});
+  }
+  EXPECT_EQ(server.requests().size(), 14U + 13U);
+}
+
 TEST(EarlyEnd, OfAReusedAndOfTheNextConnectionFails) {
   ScriptedServer server(usualReply());
   Caller caller;

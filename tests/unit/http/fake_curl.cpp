@@ -64,6 +64,8 @@ CURL* curl_easy_init(void) {
 
 void curl_easy_cleanup(CURL*) { --fakeCurl().handles; }
 
+void curl_easy_reset(CURL*) { ++fakeCurl().resets; }
+
 CURLcode curl_easy_setopt(CURL*, CURLoption option, ...) {
   FakeCurl& curl = fakeCurl();
   va_list arguments;
@@ -91,6 +93,7 @@ CURLcode curl_easy_getinfo(CURL*, CURLINFO info, ...) {
   va_list arguments;
   va_start(arguments, info);
   if (info == CURLINFO_RESPONSE_CODE) *va_arg(arguments, long*) = fakeCurl().status;
+  if (info == CURLINFO_NUM_CONNECTS) *va_arg(arguments, long*) = fakeCurl().connections;
   va_end(arguments);
   return fakeCurl().infoResult;
 }

@@ -24,6 +24,7 @@ struct FakeCurl {
   std::vector<Setting> settings;
   std::map<CURLoption, const void*> pointers;         // last set; libcurl keeps them
   std::vector<std::vector<std::string>> sentHeaders;  // of each transfer
+  int resets = 0;                                     // of the handle
   int handles = 0;                                    // alive, as are the lists
   int lists = 0;
   std::vector<long> globalInitFlags;  // of each call
@@ -40,6 +41,7 @@ struct FakeCurl {
   CURLcode result = CURLE_OK;        // of a transfer that the callbacks let pass
   CURLcode infoResult = CURLE_OK;
   long status = 200;
+  long connections = 0;  // made by the last transfer
 };
 
 /// The one that the process has.

@@ -162,6 +162,38 @@ TEST_F(QXHttpClientTest, SharesItsHandleWithItsRequests) {
   EXPECT_EQ(fakeCurl().handles, 1);
 }
 
+TEST_F(QXHttpClientTest, ResetsTheHandleAfterATransferThatConnected) {
+  QXHttpClient client;
+  const std::vector<Setting> all = fakeCurl().settings;
+  fakeCurl().settings.clear();
+  client.createRequest("http://host/f");
+  EXPECT_EQ(fakeCurl().resets, 0);
+  EXPECT_THAT(fakeCurl().settings, ElementsAre());
+  fakeCurl().connections = 1;
+  client.createRequest("http://host/f");
+  EXPECT_EQ(fakeCurl().resets, 1);
+  EXPECT_EQ(fakeCurl().settings, all);
+}
+
+TEST_F(QXHttpClientTest, ResetsTheHandleUntilItHasAllSettings) {
+  QXHttpClient client;
+  const std::vector<Setting> all = fakeCurl().settings;
+  fakeCurl().settings.clear();
+  fakeCurl().connections = 1;
+  fakeCurl().refusal = CURLE_OUT_OF_MEMORY;
+  fakeCurl().refusedSetting = 2;
+  EXPECT_THROW(client.createRequest("http://host/f"), std::runtime_error);
+  fakeCurl().connections = 0;
+  fakeCurl().refusal = CURLE_OK;
+  fakeCurl().settings.clear();
+  client.createRequest("http://host/f");
+  EXPECT_EQ(fakeCurl().settings, all);
+  fakeCurl().settings.clear();
+  client.createRequest("http://host/f");
+  EXPECT_THAT(fakeCurl().settings, ElementsAre());
+  EXPECT_EQ(fakeCurl().resets, 2);
+}
+
 TEST_F(QXHttpClientTest, InitializesLibcurlWhole) {
   QXHttpClient::initializeGlobally();
   EXPECT_THAT(fakeCurl().globalInitFlags, ElementsAre(3));
