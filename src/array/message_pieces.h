@@ -75,7 +75,7 @@ class MessagePieces {
   size_t piece_ = 0;
   size_t done_ = 0;  // elements of that piece
   // Encoded, but without room in the last read.
-  uint8_t spill_[kMaxVarintSize];
+  uint8_t spill_[kMaxVarintSize] = {};
   size_t spillBegin_ = 0;
   size_t spillEnd_ = 0;
 };

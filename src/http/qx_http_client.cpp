@@ -15,6 +15,9 @@ namespace {
 // for longer means a time-out that is never in the way, and gets the longest there is.
 constexpr uint64_t kLongestTimeoutSec = 2147483;
 
+// libcurl's own default.
+constexpr long kUploadBufferBytes = 64 << 10;
+
 CurlHandle newHandle() {
   void* handle = curl_easy_init();
   if (handle == nullptr) throw std::runtime_error(curl_easy_strerror(CURLE_FAILED_INIT));
@@ -58,6 +61,10 @@ void QXHttpClient::forgetResentRequests() {
   if (connections == 0 && isConfigured_) return;
   isConfigured_ = false;  // stays so when a setting fails
   curl_easy_reset(handle_.get());
+  // libcurl does not tell when memory ended during the reset: what would be left then are
+  // buffers of no size, and connections that are used once.
+  setOption(handle_, CURLOPT_BUFFERSIZE, long{CURL_MAX_WRITE_SIZE});
+  setOption(handle_, CURLOPT_UPLOAD_BUFFERSIZE, kUploadBufferBytes);
   applyConfig();
 }
 

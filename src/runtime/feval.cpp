@@ -68,7 +68,6 @@ orbStatus receive(orbClientContext& context, const Response& response, uint32_t 
                   orbArray* lhs) {
   const wire::Slice body{response.getBody(), response.getBodySize()};
   const uint32_t limitBytes = context.client->getConfig().getResponseSizeLimit();
-  checkedInt32(body.size);
   if (receiveDirectly(body, limitBytes, nlhs, lhs)) return ORB_OK;
   client::KALDEX_Result result;
   parseResult(body, limitBytes, result);

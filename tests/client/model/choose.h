@@ -50,6 +50,7 @@ class Chooser {
 
   Random& random() { return random_; }
   const Array* at(Variable variable) const { return model_.at(variable); }
+  const ModelRuntime& runtime() const { return model_.runtime(); }
   bool hasArrays() const;
 
   /// A variable for a new handle: an empty one if there is any.

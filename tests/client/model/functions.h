@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The exported array functions by number, and how often each was called with effect.
+// The exported functions and those of the table by number, and how often each was called
+// with effect.
 #ifndef ORB_CLIENT_MODEL_FUNCTIONS_H_
 #define ORB_CLIENT_MODEL_FUNCTIONS_H_
 
@@ -85,16 +86,52 @@
   X(orbIsEmpty)                     \
   X(orbIsClass)
 
+#define ORB_MODEL_RUNTIME_FUNCTIONS(X) \
+  X(orbInitializeEx)                   \
+  X(orbInitialize)                     \
+  X(orbTerminate)                      \
+  X(orbGetInitializationErrorMessage)  \
+  X(createConfig)                      \
+  X(destroyConfig)                     \
+  X(setTimeoutSec)                     \
+  X(getTimeoutSec)                     \
+  X(setResponseSizeLimit)              \
+  X(getResponseSizeLimit)              \
+  X(createContext)                     \
+  X(destroyContext)                    \
+  X(getLastErrorInfo)                  \
+  X(destroyLastErrorInfo)              \
+  X(feval)                             \
+  X(setClientCertFile)                 \
+  X(getClientCertFile)                 \
+  X(setClientPrivateKeyFile)           \
+  X(getClientPrivateKeyFile)           \
+  X(setClientPrivateKeyPassword)       \
+  X(getClientPrivateKeyPassword)       \
+  X(setServerCertFile)                 \
+  X(getServerCertFile)                 \
+  X(setCRLFile)                        \
+  X(getCRLFile)                        \
+  X(setVerifyHost)                     \
+  X(getVerifyHost)                     \
+  X(setVerifyPeer)                     \
+  X(getVerifyPeer)
+
 namespace orb::model {
 
 #define ORB_MODEL_ENUMERATOR(name) name,
-enum class Function : size_t { ORB_MODEL_FUNCTIONS(ORB_MODEL_ENUMERATOR) };
+enum class Function : size_t {
+  ORB_MODEL_FUNCTIONS(ORB_MODEL_ENUMERATOR)
+      ORB_MODEL_RUNTIME_FUNCTIONS(ORB_MODEL_ENUMERATOR)
+};
 #undef ORB_MODEL_ENUMERATOR
 
 #define ORB_MODEL_NAME(name) #name,
-inline constexpr std::array kFunctionNames = {ORB_MODEL_FUNCTIONS(ORB_MODEL_NAME)};
+inline constexpr std::array kFunctionNames = {
+    ORB_MODEL_FUNCTIONS(ORB_MODEL_NAME) ORB_MODEL_RUNTIME_FUNCTIONS(ORB_MODEL_NAME)};
 #undef ORB_MODEL_NAME
-static_assert(kFunctionNames.size() == 76, "every exported array function has a row");
+static_assert(kFunctionNames.size() == 80 + 25,
+              "every exported function and every member of the table has a row");
 
 inline const char* nameOf(Function function) {
   return kFunctionNames[static_cast<size_t>(function)];

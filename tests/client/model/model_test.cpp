@@ -17,13 +17,16 @@
 #include "client/model/child.h"
 #include "client/model/compare.h"
 #include "client/model/operation.h"
+#include "client/model/server.h"
 #include "client/model/shrink.h"
+#include "support/scripted_server.h"
+#include "support/server_child.h"
 
 namespace orb::model {
 namespace {
 
 // With fewer sequences, chance alone may leave a function out.
-constexpr uint64_t kSequencesForCoverage = 1000;
+constexpr uint64_t kSequencesForCoverage = 5000;
 
 uint64_t setting(const char* name, uint64_t fallback) {
   const char* text = std::getenv(name);
@@ -39,8 +42,10 @@ std::vector<Operation> sequenceOf(uint64_t seed) {
   const size_t length = 15 + random.below(46);
   // Reading elements fills empty ones in: some sequences do so seldom.
   const size_t elementsPercent = random.below(3) * 20;
+  // Calls take longer than all else: most sequences make none.
+  const size_t runtimePercent = random.chance(20) ? 35 : 0;
   for (size_t i = 0; i < length; ++i) {
-    Operation operation = randomOperation(random, model);
+    Operation operation = randomOperation(random, model, runtimePercent);
     operation.depth =
         random.chance(elementsPercent) ? Depth::kElements : Depth::kOwnState;
     operation.run({model, nullptr, tally});
@@ -143,6 +148,9 @@ TEST(ArrayFunctions, DoWhatTheModelDoes) {
   const uint64_t sequences = setting("ORB_MODEL_SEQUENCES", 20000);
   const uint64_t seed = setting("ORB_MODEL_SEED", 1);
   SharedTally tally;
+  const test::ServerChild server(answer);
+  const test::DeadPort refusing(test::DeadPort::Answer::kRefusal);
+  setServer(server.url(""), refusing.url());
   if (!allAgree(seed, sequences, tally.get())) {
     FAIL() << report(failingSeed(seed, sequences));
   }

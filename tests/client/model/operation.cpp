@@ -2,7 +2,6 @@
 #include "client/model/operation.h"
 
 namespace orb::model {
-namespace {
 
 Operation oneOf(const std::vector<Kind>& kinds, Chooser& choose) {
   size_t total = 0;
@@ -13,10 +12,10 @@ Operation oneOf(const std::vector<Kind>& kinds, Chooser& choose) {
   return kind->make(choose);
 }
 
-}  // namespace
-
-Operation randomOperation(Random& random, const ModelWorld& model) {
+Operation randomOperation(Random& random, const ModelWorld& model,
+                          size_t runtimePercent) {
   Chooser choose(random, model);
+  if (random.chance(runtimePercent)) return randomRuntimeOperation(choose);
   if (!choose.hasArrays() || random.chance(22)) return oneOf(creationKinds(), choose);
   return oneOf(random.chance(45) ? dataKinds() : containerKinds(), choose);
 }

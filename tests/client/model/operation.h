@@ -30,9 +30,15 @@ struct Kind {
 const std::vector<Kind>& creationKinds();
 const std::vector<Kind>& dataKinds();
 const std::vector<Kind>& containerKinds();
+const std::vector<Kind>& runtimeKinds();
 
-/// A call that suits the arrays that the model holds.
-Operation randomOperation(Random& random, const ModelWorld& model);
+Operation oneOf(const std::vector<Kind>& kinds, Chooser& choose);
+
+/// One of runtimeKinds(), or what has to come before most of them.
+Operation randomRuntimeOperation(Chooser& choose);
+
+/// A call that suits what the model holds; so many percent are of the runtime.
+Operation randomOperation(Random& random, const ModelWorld& model, size_t runtimePercent);
 
 }  // namespace orb::model
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The variables h0, h1, ... of a sequence of calls, once for the library and once for the
-// model.
+// The variables h0, h1, ... of a sequence of calls, and what it has of the runtime, once
+// for the library and once for the model.
 #ifndef ORB_CLIENT_MODEL_WORLD_H_
 #define ORB_CLIENT_MODEL_WORLD_H_
 
@@ -8,9 +8,11 @@
 
 #include <array>
 #include <cstddef>
+#include <type_traits>
 
 #include "client/model/functions.h"
 #include "client/model/model.h"
+#include "client/model/runtime.h"
 
 namespace orb::model {
 
@@ -19,6 +21,10 @@ inline constexpr size_t kVariables = 7;
 struct Variable {
   size_t number;
 };
+
+template <class Handle>
+using RuntimeOf =
+    std::conditional_t<std::is_same_v<Handle, orbArray>, LibraryRuntime, ModelRuntime>;
 
 /// Owns the handles; an empty variable is null.
 template <class Handle>
@@ -39,8 +45,12 @@ class World {
     handles_[variable.number] = handle;
   }
 
+  RuntimeOf<Handle>& runtime() { return runtime_; }
+  const RuntimeOf<Handle>& runtime() const { return runtime_; }
+
  private:
   std::array<Handle, kVariables> handles_{};
+  RuntimeOf<Handle> runtime_;
 };
 
 using LibraryWorld = World<orbArray>;

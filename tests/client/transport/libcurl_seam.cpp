@@ -25,6 +25,8 @@ struct KnownOption {
 const KnownOption kOptions[] = {
     {CURLOPT_HTTP_VERSION, "HTTP_VERSION", Kind::kNumber},
     {CURLOPT_TIMEOUT, "TIMEOUT", Kind::kNumber},
+    {CURLOPT_BUFFERSIZE, "BUFFERSIZE", Kind::kNumber},
+    {CURLOPT_UPLOAD_BUFFERSIZE, "UPLOAD_BUFFERSIZE", Kind::kNumber},
     {CURLOPT_SSLCERT, "SSLCERT", Kind::kText},
     {CURLOPT_SSLKEY, "SSLKEY", Kind::kText},
     {CURLOPT_KEYPASSWD, "KEYPASSWD", Kind::kText},

@@ -86,7 +86,8 @@ TEST_F(Libcurl, IsGivenUrlHeadersBodyAndCallbacksInEachCall) {
   for (int i = 0; i < 3; ++i) {
     // The first call connected, so that the next one starts with a fresh handle.
     if (i == 1)
-      options = {"HTTP_VERSION 2", "TIMEOUT 120", "SSL_VERIFYHOST 2", "SSL_VERIFYPEER 1"};
+      options = {"BUFFERSIZE 16384", "UPLOAD_BUFFERSIZE 65536", "HTTP_VERSION 2",
+                 "TIMEOUT 120",      "SSL_VERIFYHOST 2",        "SSL_VERIFYPEER 1"};
     options.insert(options.end(),
                    {"POSTFIELDS", "POSTFIELDSIZE 2", "URL " + server_.url(), "HTTPHEADER",
                     "HEADERFUNCTION", "HEADERDATA", "WRITEFUNCTION", "WRITEDATA"});

@@ -13,6 +13,7 @@ namespace orb::test {
 namespace {
 
 using ::testing::ElementsAre;
+using ::testing::ThrowsMessage;
 
 using Names = std::vector<std::string>;
 
@@ -133,7 +134,9 @@ TEST(AddField, RefusesValuesThatDoNotMatchAndChangesNothing) {
     const std::string text = structOf(dimensions, names, values);
     KALDEXStructArrayProxy proxy(shared(text));
     const Elements before = proxy.elements();
-    EXPECT_THROW(addField(proxy, "c"), std::length_error);
+    EXPECT_THAT(
+        [&] { addField(proxy, "c"); },
+        ThrowsMessage<std::length_error>("struct values do not match its fields"));
     EXPECT_THAT(proxy.message(), IsMessage(text));
     EXPECT_EQ(proxy.elements(), before);
   }

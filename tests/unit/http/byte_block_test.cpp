@@ -4,6 +4,9 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <new>
+
+#include "support/failing_new.h"
 
 namespace orb::test {
 namespace {
@@ -66,6 +69,15 @@ TEST(KeptBlock, IsGivenToOneAtATime) {
   }
   const ByteBlock* const now = kept.take().get();
   EXPECT_EQ(kept.take().get(), now);
+}
+
+TEST(KeptBlock, IsKeptWhenMemoryEnds) {
+  KeptBlock kept;
+  const auto block = kept.take();
+  FailingNew failure = FailingNew::always();
+  EXPECT_THROW(kept.take(), std::bad_alloc);
+  failure.stop();
+  EXPECT_EQ(block.use_count(), 2);
 }
 
 }  // namespace

@@ -69,7 +69,7 @@ class Letters final : public BodySource {
   uint64_t size() const override { return 5; }
   size_t read(uint8_t* target, size_t capacity) noexcept override {
     const size_t count = std::min(capacity, size_t{5} - position_);
-    std::memcpy(target, "abcde" + position_, count);
+    std::memcpy(target, &"abcde"[position_], count);
     position_ += count;
     return count;
   }

@@ -162,9 +162,15 @@ TEST_F(QXHttpClientTest, SharesItsHandleWithItsRequests) {
   EXPECT_EQ(fakeCurl().handles, 1);
 }
 
+std::vector<Setting> afterReset(std::vector<Setting> settings) {
+  settings.insert(settings.begin(),
+                  {{CURLOPT_BUFFERSIZE, "16384"}, {CURLOPT_UPLOAD_BUFFERSIZE, "65536"}});
+  return settings;
+}
+
 TEST_F(QXHttpClientTest, ResetsTheHandleAfterATransferThatConnected) {
   QXHttpClient client;
-  const std::vector<Setting> all = fakeCurl().settings;
+  const std::vector<Setting> all = afterReset(fakeCurl().settings);
   fakeCurl().settings.clear();
   client.createRequest("http://host/f");
   EXPECT_EQ(fakeCurl().resets, 0);
@@ -177,7 +183,7 @@ TEST_F(QXHttpClientTest, ResetsTheHandleAfterATransferThatConnected) {
 
 TEST_F(QXHttpClientTest, ResetsTheHandleUntilItHasAllSettings) {
   QXHttpClient client;
-  const std::vector<Setting> all = fakeCurl().settings;
+  const std::vector<Setting> all = afterReset(fakeCurl().settings);
   fakeCurl().settings.clear();
   fakeCurl().connections = 1;
   fakeCurl().refusal = CURLE_OUT_OF_MEMORY;

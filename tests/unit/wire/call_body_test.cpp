@@ -4,9 +4,11 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <boost/make_shared.hpp>
 #include <initializer_list>
 
 #include "array/handle.h"
+#include "array/orb_array_from_kaldex_array_factory.h"
 #include "array/received_array.h"
 #include "orb.client.KALDEXParams.pb.h"
 #include "unit/wire/random_array.h"
@@ -190,6 +192,23 @@ TEST(CallBody, WithoutInputsIsTheNumberOfOutputs) {
   ASSERT_EQ(body.size(), 2u);
   EXPECT_EQ(body.data()[0], 0x08);
   EXPECT_EQ(body.data()[1], 0x00);
+}
+
+TEST(CallBody, SendsLargeElementsThatNoArrayCouldBe) {
+  KALDEX_Array ofAnotherType;
+  ofAnotherType.set_type(KALDEX_Array::OBJECT);
+  ofAnotherType.mutable_uint8()->set_elements(std::string(100000, 'x'));
+  KALDEX_Array withUnknownField;
+  withUnknownField.set_type(KALDEX_Array::UINT8);
+  const std::string payload = ofAnotherType.uint8().SerializeAsString() + "\x18\x01";
+  ASSERT_TRUE(withUnknownField.mutable_uint8()->ParseFromString(payload));
+  for (const KALDEX_Array& element : {ofAnotherType, withUnknownField}) {
+    auto cell = boost::make_shared<KALDEX_Array>();
+    cell->set_type(KALDEX_Array::CELL);
+    *cell->mutable_cell()->add_elements() = element;
+    const UniqueHandle handle = handleOver(std::move(cell), MessageUse::kOwn);
+    EXPECT_EQ(encoded({handle.get()}), reference({handle.get()}));
+  }
 }
 
 }  // namespace

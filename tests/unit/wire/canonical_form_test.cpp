@@ -92,6 +92,15 @@ INSTANTIATE_TEST_SUITE_P(
         Row{"a field number beyond 29 bits", "\x82\x81\x80\x80\x80\x01\x00"s, false},
         Row{"a varint of eleven bytes",
             "\x08\x80\x80\x80\x80\x80\x80\x80\x80\x80\x80\x01", false},
+        Row{"the greatest number in 32 bits",
+            "\x08\x02\x92\x01\x07\x0A\x05\xFF\xFF\xFF\xFF\x0F", true},
+        Row{"a list without a length", "\x08\x09\x12", false},
+        Row{"a memory layout without a value", "\x08\x09\x30", false},
+        Row{"an imaginary part of logicals", "\x08\x0A\xD2\x01\x03\x12\x01\x01", false},
+        Row{"an imaginary part of chars", "\x08\x0B\xDA\x01\x03\x12\x01\x01", false},
+        Row{"cells that end inside a tag", "\x08\x0D\xE2\x01\x01\x80", false},
+        Row{"the greatest tag there is",
+            "\x08\x09\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\x01", false},
         Row{"cells 40 deep", nestedCells(40), true},
         Row{"cells 41 deep", nestedCells(41), false}));
 

@@ -68,7 +68,7 @@ class PackedVarints : public ::testing::Test {
 };
 
 using Elements = ::testing::Types<uint16_t, int16_t, char16_t>;
-TYPED_TEST_SUITE(PackedVarints, Elements);
+TYPED_TEST_SUITE(PackedVarints, Elements, );
 
 TYPED_TEST(PackedVarints, OfEveryElementAreTheMessageLibrarys) {
   std::vector<TypeParam> elements;

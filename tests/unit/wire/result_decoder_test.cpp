@@ -135,6 +135,8 @@ TEST(ReadOutputs, LeavesAlone) {
   EXPECT_FALSE(taken(body, 0x80000000u, 1)) << "a limit above 31 bits";
   EXPECT_FALSE(taken(body, 4, 0)) << "too many outputs";
   EXPECT_FALSE(taken(body, 4, 2)) << "too few outputs";
+  EXPECT_FALSE(taken("\x0A\x06\x08\x0D\xE2\x01\x01\x80", 99, 1))
+      << "half a tag in a cell";
   result.mutable_error();
   EXPECT_FALSE(taken(result.SerializeAsString(), 99, 1)) << "an error";
   EXPECT_TRUE(taken("", 0, 0)) << "nothing wanted, nothing sent";
