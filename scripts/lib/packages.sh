@@ -11,15 +11,25 @@ test_packages=(
   libgtest-dev libgmock-dev libssl-dev openssl python3 python3-protobuf nginx-light haproxy
 )
 coverage_packages=(gcovr)
+checker_packages=(clang-14 clang-tidy-14 cppcheck)
+torture_packages=(libclang-rt-14-dev lld valgrind)
 
 isInstalled() {
   [[ $(dpkg-query -W -f '${db:Status-Status}' "$1" 2>/dev/null) == installed ]]
 }
 
-aptInstall() {
+# A subshell, whose trap sees that the policy does not stay behind.
+aptInstall() (
   export DEBIAN_FRONTEND=noninteractive
+  # What installs a service asks this program; 101 keeps nginx and haproxy from starting.
+  policy=/usr/sbin/policy-rc.d
+  if [[ ! -e $policy ]]; then
+    trap 'rm -f "$policy"' EXIT
+    printf '#!/bin/sh\nexit 101\n' >"$policy"
+    chmod +x "$policy"
+  fi
   apt-get update && apt-get install -y --no-install-recommends "$@"
-}
+)
 
 # Installs those of the given packages that are missing; only root can.
 requirePackages() {

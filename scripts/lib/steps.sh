@@ -15,13 +15,17 @@ step() {
   echo "done ($((SECONDS - start)) s)"
 }
 
-# Builds everything that a preset builds.
+# Builds everything that a preset builds, or only the targets named after it.
 buildPreset() {
+  local preset=$1 title=build/$1 targets=()
+  shift
+  (($# == 0)) || targets=(--target "$@") title+=": $*"
   if command -v ccache >/dev/null; then
     export CMAKE_C_COMPILER_LAUNCHER=ccache CMAKE_CXX_COMPILER_LAUNCHER=ccache
   fi
-  step "Configuring build/$1" cmake --preset "$1"
-  step "Building build/$1 (minutes the first time)" cmake --build --preset "$1"
+  step "Configuring build/$preset" cmake --preset "$preset"
+  step "Building $title (minutes the first time)" cmake --build --preset "$preset" \
+    "${targets[@]}"
 }
 
 # The programs talk to servers on this machine, also where others are reached through a

@@ -116,7 +116,7 @@ void eig(Call& call) {
     throw CallError("convergence", "expected eigenvalues, got no convergence for " +
                                        summary(call.input(0)));
   }
-  const Eigen::VectorXcd values = solver.eigenvalues();
+  const Eigen::VectorXcd& values = solver.eigenvalues();
   const ComplexMatrix vectors = call.wants(1) ? solver.eigenvectors() : ComplexMatrix();
   if (values.imag().isZero(0)) {
     putEigen(call, Eigen::VectorXd(values.real()), Matrix(vectors.real()));
