@@ -169,7 +169,7 @@ const std::vector<Shape>& shapes() {
       {"single", dense(wire::kSingle, wire::littleEndian(1u)), 2.2, 2.2},
       {"double", dense(wire::kDouble, wire::doubles({1})), 2.2, 2.2},
       {"double, in chunks", dense(wire::kDouble, wire::doubles({1})), 2.3, 2.3, false},
-      {"logical", dense(wire::kLogical, "\1"), 2.2, 2.2},
+      {"logical", dense(wire::kLogical, "\1"), 4.4, 4.4},
       {"char of 1 byte", dense(wire::kChar, "x"), 3.3, 4.4},
       {"char of 3 bytes", dense(wire::kChar, wire::varint(0x20AC)), 2.2, 5.5},
       {"sparse doubles", sparseDoubles, 3.2, 3.2},
