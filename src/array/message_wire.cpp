@@ -53,10 +53,11 @@ size_t listFieldSize(int field, const wire::PackedList& list) {
   return list.wireSize == 0 ? 0 : wire::fieldSize(field, list.wireSize);
 }
 
-/// The form of a message that has a large list to lend, given the size of the message.
-std::optional<DenseForm> formToLend(const KALDEX_Array& message, size_t size) {
-  // Messages inside messages may be of types that no array can have.
-  if (!wire::isLarge(size) || message.type() > KALDEX_Array::SPARSE) return std::nullopt;
+/// The form of a message that has a list to lend.
+std::optional<DenseForm> formToLend(const KALDEX_Array& message) {
+  // A server may put any number there, in the elements of a cell.
+  const bool isKnown = message.type() >= 0 && message.type() <= KALDEX_Array::SPARSE;
+  if (!isKnown) return std::nullopt;
   DenseFormFinder finder(message);
   dispatch_on_QXType(message.type(), finder);
   return finder.form;
@@ -64,18 +65,15 @@ std::optional<DenseForm> formToLend(const KALDEX_Array& message, size_t size) {
 
 }  // namespace
 
-WireSizes measureMessage(const KALDEX_Array& message) {
-  const size_t size = message.ByteSizeLong();
-  const std::optional<DenseForm> form = formToLend(message, size);
-  if (form) return form->measure();
+WireSizes measureLargeMessage(const KALDEX_Array& message, size_t size) {
+  if (const std::optional<DenseForm> form = formToLend(message)) return form->measure();
   WireSizes sizes;
   sizes.total = size;
   return sizes;
 }
 
-void writeMessage(const KALDEX_Array& message, wire::MessagePieces& pieces) {
-  const auto size = static_cast<size_t>(message.GetCachedSize());
-  if (const std::optional<DenseForm> form = formToLend(message, size)) {
+void writeLargeMessage(const KALDEX_Array& message, wire::MessagePieces& pieces) {
+  if (const std::optional<DenseForm> form = formToLend(message)) {
     form->write(pieces);
   } else {
     pieces.setEnd(message.SerializeWithCachedSizesToArray(pieces.end()));

@@ -17,9 +17,24 @@ struct WireSizes {
   size_t imag = 0;
 };
 
-WireSizes measureMessage(const KALDEX_Array& message);
+WireSizes measureLargeMessage(const KALDEX_Array& message, size_t size);
+void writeLargeMessage(const KALDEX_Array& message, wire::MessagePieces& pieces);
+
+// Inline, because cells have many small elements.
+inline WireSizes measureMessage(const KALDEX_Array& message) {
+  const size_t size = message.ByteSizeLong();
+  if (wire::isLarge(size)) return measureLargeMessage(message, size);
+  WireSizes sizes;
+  sizes.total = size;
+  return sizes;
+}
+
 /// Writes a message that was measured and has not changed since.
-void writeMessage(const KALDEX_Array& message, wire::MessagePieces& pieces);
+inline void writeMessage(const KALDEX_Array& message, wire::MessagePieces& pieces) {
+  const auto size = static_cast<size_t>(message.GetCachedSize());
+  if (wire::isLarge(size)) return writeLargeMessage(message, pieces);
+  pieces.setEnd(message.SerializeWithCachedSizesToArray(pieces.end()));
+}
 
 /// An array of dense elements: type, dimensions, and a payload of one or two lists.
 struct DenseForm {

@@ -176,6 +176,21 @@ TEST(CallBody, LendsTheListsOfLargeArrays) {
   }
 }
 
+TEST(CallBody, SendsLargeElementsOfAnyTypeOn) {
+  for (const int type : {-1, 15, 20}) {
+    SCOPED_TRACE(type);
+    auto message = boost::make_shared<KALDEX_Array>();
+    message->set_type(KALDEX_Array::CELL);
+    message->add_dimension(1);
+    KALDEX_Array& element = *message->mutable_cell()->add_elements();
+    element.set_type(static_cast<QXType>(type));
+    element.mutable_qxdouble()->mutable_elements()->Resize(10000, 1.5);
+    const std::string bytes = message->SerializeAsString();
+    const UniqueHandle cell = handleOver(std::move(message), MessageUse::kOwn);
+    EXPECT_NE(encoded({cell.get()}).find(bytes), std::string::npos);
+  }
+}
+
 TEST(CallBody, IsInOnePieceBelow64KiB) {
   ByteBlock block;
   for (const size_t count : {0, 1, 65535}) {
