@@ -13,6 +13,14 @@ namespace orb {
 using client::KALDEX_Array;
 using QXType = KALDEX_Array::QXType;
 
+/// A message that is to become part of another one. The message library's own functions
+/// mark a part present before they make it, and memory may end in between.
+template <class Part>
+Part* newPart() {
+  Part* const part = new Part;
+  return part;
+}
+
 /// The payload of type T: `of` reads it, the empty default one when absent; `in` makes it
 /// present. `Native` is the element as callers see it.
 template <QXType T>
@@ -25,7 +33,7 @@ struct Payload;
     static bool isIn(const KALDEX_Array& a) { return a.has_##field(); }                 \
     static const KALDEX_Array::Message& of(const KALDEX_Array& a) { return a.field(); } \
     static KALDEX_Array::Message& in(KALDEX_Array& a) {                                 \
-      if (!a.has_##field()) a.set_allocated_##field(new KALDEX_Array::Message);         \
+      if (!a.has_##field()) a.set_allocated_##field(newPart<KALDEX_Array::Message>());  \
       return *a.mutable_##field();                                                      \
     }                                                                                   \
   }
@@ -96,16 +104,17 @@ constexpr const char* className(QXType type) {
 
 /// The parts of a sparse array, made present.
 inline KALDEX_Array::Sparse& sparseIn(KALDEX_Array& a) {
-  if (!a.has_sparse()) a.set_allocated_sparse(new KALDEX_Array::Sparse);
+  if (!a.has_sparse()) a.set_allocated_sparse(newPart<KALDEX_Array::Sparse>());
   return *a.mutable_sparse();
 }
 inline KALDEX_Array::Logical& logicalsIn(KALDEX_Array::Sparse& sparse) {
-  if (!sparse.has_logical()) sparse.set_allocated_logical(new KALDEX_Array::Logical);
+  if (!sparse.has_logical())
+    sparse.set_allocated_logical(newPart<KALDEX_Array::Logical>());
   return *sparse.mutable_logical();
 }
 inline KALDEX_Array::Double& doublesIn(KALDEX_Array::Sparse& sparse) {
   if (!sparse.has_qxsparsedouble()) {
-    sparse.set_allocated_qxsparsedouble(new KALDEX_Array::Double);
+    sparse.set_allocated_qxsparsedouble(newPart<KALDEX_Array::Double>());
   }
   return *sparse.mutable_qxsparsedouble();
 }

@@ -122,6 +122,39 @@ TEST(ReadOutputs, GivesWhatParsingGivesForHugeLists) {
   }
 }
 
+/// Type DOUBLE and these bytes of payload, in a body.
+std::string bodyWithPayload(const std::string& payload) {
+  const auto field = [](const std::string& tag, const std::string& bytes) {
+    uint8_t size[wire::kMaxVarintSize];
+    uint8_t* const end = wire::writeVarint(bytes.size(), size);
+    return tag + std::string(&size[0], end) + bytes;
+  };
+  KALDEX_Array array;
+  array.mutable_qxdouble();
+  std::string tag = array.SerializeAsString();
+  tag.pop_back();  // the size, 0
+  return field("\x0A", "\x08\x09" + field(tag, payload));
+}
+
+TEST(ReadOutputs, LeavesBrokenHugeListsAlone) {
+  constexpr size_t kHuge = size_t{4} << 20;
+  const std::string head = "\x0A\x80\x80\x80\x02";
+  const std::string list(kHuge, '\x01');
+  const auto taken = [](const std::string& payload) {
+    std::vector<UniqueHandle> outputs;
+    return readOutputs(sliceOf(bodyWithPayload(payload)), INT_MAX, 1, outputs);
+  };
+  EXPECT_TRUE(taken(head + list));
+  EXPECT_TRUE(taken(head + list + std::string("\x12\0", 2)));
+  for (const std::string& bad :
+       {"\x0A\x81\x80\x80\x02" + list + "x", "\x0A\x88\x80\x80\x02" + list,
+        head + list + "\x12\x01y", head + list + "\x12\x08y"}) {
+    EXPECT_FALSE(taken(bad));
+  }
+  // An unknown field, which the message library keeps.
+  expectSameResult(bodyWithPayload(head + list + std::string("\x1A\0", 2)), 1);
+}
+
 TEST(ReadOutputs, LeavesAlone) {
   client::KALDEX_Result result;
   result.add_lhs()->set_type(KALDEX_Array::DOUBLE);
