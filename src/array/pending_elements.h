@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <cstring>
 #include <memory>
+#include <utility>
 #include <vector>
 
 #include "array/payload.h"
@@ -16,16 +17,17 @@ namespace orb {
 /// would cost a few hundred bytes and several allocations, and many are never looked at.
 class PendingElements {
  public:
+  /// Where an element is among the bytes; bodies stay below 2^31 of them.
+  struct Place {
+    uint32_t offset;
+    uint32_t size;
+  };
+
   PendingElements() = default;
-  /// Takes a copy of the bytes; `elements` are slices of them.
-  PendingElements(wire::Slice bytes, const std::vector<wire::Slice>& elements)
-      : bytes_(new uint8_t[bytes.size]) {
+  /// Takes a copy of the bytes.
+  PendingElements(wire::Slice bytes, std::vector<Place> places)
+      : bytes_(new uint8_t[bytes.size]), places_(std::move(places)) {
     std::memcpy(bytes_.get(), bytes.data, bytes.size);
-    places_.reserve(elements.size());
-    for (const wire::Slice& element : elements) {
-      places_.push_back({static_cast<uint32_t>(element.data - bytes.data),
-                         static_cast<uint32_t>(element.size)});
-    }
   }
 
   size_t size() const { return places_.size(); }
@@ -41,12 +43,6 @@ class PendingElements {
   void clear() { *this = PendingElements(); }
 
  private:
-  // Bodies stay below 2^31 bytes.
-  struct Place {
-    uint32_t offset;
-    uint32_t size;
-  };
-
   std::shared_ptr<uint8_t[]> bytes_;  // never changed; copies of the array share them
   std::vector<Place> places_;
 };

@@ -120,10 +120,10 @@ class WireArrayReader {
     SharedMessage message = readUpToPayload<T>(payload);
     if (!message) return;
     const uint8_t* elementsStart = payload.data;
-    std::vector<Slice> elements;
+    std::vector<PendingElements::Place> places;
     wire::Reader reader(payload);
     while (!reader.atEnd()) {
-      const bool isName = T == KALDEX_Array::STRUCT && elements.empty() &&
+      const bool isName = T == KALDEX_Array::STRUCT && places.empty() &&
                           *reader.position() == wire::tagOf(1, wire::kLengthDelimited);
       Slice part{};
       if (!readField(isName ? 1 : kElementsField<T>, reader, part)) return;
@@ -131,14 +131,16 @@ class WireArrayReader {
         elementsStart = reader.position();
       } else {
         if (!wire::isCanonicalArray(part)) return;
-        elements.push_back(part);
+        places.push_back({static_cast<uint32_t>(part.data - elementsStart),
+                          static_cast<uint32_t>(part.size)});
       }
     }
     const Slice names{payload.data, static_cast<size_t>(elementsStart - payload.data)};
     if (names.size != 0 && !parse(names, Payload<T>::in(*message))) return;
     const Slice rest{elementsStart, payload.size - names.size};
-    place<T>(std::move(message), Elements(elements.size()),
-             PendingElements(rest, elements));
+    Elements elements(places.size());
+    place<T>(std::move(message), std::move(elements),
+             PendingElements(rest, std::move(places)));
   }
 
   template <QXType T>
