@@ -104,26 +104,45 @@ class Bench:
         """Gives a Runner per contender, by key. Contenders take turns round by round, so
         that whatever else the machine does falls on all of them."""
         with contextlib.ExitStack() as programs:
-            ports = {}
-            for server in {contender.server for contender in contenders}:
-                argv = [str(self._programs / f"bench_server_{server}")]
-                program = programs.enter_context(Program(argv, subject.one_core))
-                ports[server] = program.read().split()
+            ports = {
+                server: self._serve(server, subject.one_core, programs)
+                for server in {contender.server for contender in contenders}
+            }
             runners = {}
             for contender in contenders:
-                argv = [
-                    str(self._programs / f"bench_client_{contender.key}"),
-                    subject.workload,
-                    str(subject.threads),
-                    *ports[contender.server],
-                ]
-                client = programs.enter_context(Program(argv, subject.one_core))
+                port = ports[contender.server]
+                client = self._start(contender, subject, port, programs)
                 runners[contender.key] = Runner(client, subject, effort)
             for mode in modes:
                 take_turns(list(runners.values()), mode, effort.rounds)
             if "read" in modes:
                 check_answers(subject, runners)
             return runners
+
+    def measure_series(self, subjects, contender, effort):
+        """Gives a Runner per subject. Subjects take turns round by round."""
+        with contextlib.ExitStack() as programs:
+            ports = self._serve(contender.server, False, programs)
+            runners = []
+            for subject in subjects:
+                client = self._start(contender, subject, ports, programs)
+                runners.append(Runner(client, subject, effort))
+            take_turns(runners, "call", effort.rounds)
+            return runners
+
+    def _serve(self, server, one_core, programs):
+        """Starts a server and gives its ports."""
+        argv = [str(self._programs / f"bench_server_{server}")]
+        return programs.enter_context(Program(argv, one_core)).read().split()
+
+    def _start(self, contender, subject, ports, programs):
+        argv = [
+            str(self._programs / f"bench_client_{contender.key}"),
+            subject.workload,
+            str(subject.threads),
+            *ports,
+        ]
+        return programs.enter_context(Program(argv, subject.one_core))
 
 
 def take_turns(runners, mode, rounds):

@@ -125,7 +125,8 @@ GROWTHS = (
     ),
 )
 
-# Each subject has twice the cells, or twice the fields, of the one before it.
+# Each subject has twice the cells, or twice the fields, of the one before it. They take
+# turns with each other.
 DOUBLINGS = (
     tuple(cell_point(count)[2] for count in (12500, 25000, 50000, 100000)),
     tuple(
@@ -174,4 +175,5 @@ class Effort:
 
 WORKLOAD_EFFORT = Effort(rounds=21)
 GROWTH_EFFORT = Effort(rounds=9)
+DOUBLING_EFFORT = Effort(rounds=31)
 QUICK_EFFORT = Effort(rounds=15)

@@ -35,6 +35,22 @@ def ratios(runners, key, to_key, modes):
     return result
 
 
+def summarise_doublings(subjects, runners):
+    """How each subject's rounds compare with those of the one before it."""
+    return [
+        {
+            "title": f"{half.title} → {whole.title}",
+            **{
+                metric: ratio(after.rounds["call"], before.rounds["call"], metric)
+                for metric in RATIO_METRICS
+            },
+        }
+        for half, whole, before, after in zip(
+            subjects, subjects[1:], runners, runners[1:]
+        )
+    ]
+
+
 def summarise(subject, runners, modes):
     contenders = {}
     for key, runner in runners.items():

@@ -136,18 +136,11 @@ def growth_table(growth, results):
     return table([""] + [TITLES[key] for key in keys], rows)
 
 
-def doublings_table(results):
-    rows = []
-    for series in plan.DOUBLINGS:
-        for half, whole in zip(series, series[1:]):
-            row = [f"{half.title} → {whole.title}"]
-            for metric in ("cpu_ns", "time_ns"):
-                before, after = (
-                    results[subject.key]["contenders"][plan.LIBRARY]["call"][metric]
-                    for subject in (half, whole)
-                )
-                row.append(f"{after['median'] / before['median']:.2f}")
-            rows.append(row)
+def doublings_table(doublings):
+    rows = [
+        [one["title"], with_spread(one["cpu_ns"]), with_spread(one["time_ns"])]
+        for one in doublings
+    ]
     return table(["this library", "CPU", "time"], rows)
 
 
@@ -169,7 +162,7 @@ def instructions_table(counted, kept):
     return table(["scenario", "instructions", "kept", "change"], rows)
 
 
-def report(machine, results, micro, instructions):
+def report(machine, results, doublings, micro, instructions):
     """`micro` and the pair `instructions` are null when they could not be taken."""
     parts = [
         "# Measurements",
@@ -192,7 +185,7 @@ def report(machine, results, micro, instructions):
         parts.append(f"### {growth.title}")
         parts.append(f"![{growth.title}]({growth.name}.svg)")
         parts.append(growth_table(growth, results))
-    parts += ["### Cost of twice as much", doublings_table(results)]
+    parts += ["### Cost of twice as much", doublings_table(doublings)]
     if micro:
         parts += ["## Parts of a call, without transport", micro_table(micro)]
     if instructions:
