@@ -119,16 +119,20 @@ class Bench:
                 check_answers(subject, runners)
             return runners
 
-    def measure_series(self, subjects, contender, effort):
-        """Gives a Runner per subject. Subjects take turns round by round."""
+    def measure_series(self, subjects, contenders, effort):
+        """Gives the Runners of all subjects per contender, by key. All take turns round
+        by round."""
         with contextlib.ExitStack() as programs:
-            ports = self._serve(contender.server, False, programs)
-            runners = []
-            for subject in subjects:
-                client = self._start(contender, subject, ports, programs)
-                runners.append(Runner(client, subject, effort))
+            series = {}
+            for contender in contenders:
+                ports = self._serve(contender.server, False, programs)
+                series[contender.key] = [
+                    Runner(self._start(contender, one, ports, programs), one, effort)
+                    for one in subjects
+                ]
+            runners = [runner for one in series.values() for runner in one]
             take_turns(runners, "call", effort.rounds)
-            return runners
+            return series
 
     def _serve(self, server, one_core, programs):
         """Starts a server and gives its ports."""

@@ -35,19 +35,22 @@ def ratios(runners, key, to_key, modes):
     return result
 
 
-def summarise_doublings(subjects, runners):
+def summarise_doublings(subjects, series):
     """How each subject's rounds compare with those of the one before it."""
     return [
         {
-            "title": f"{half.title} → {whole.title}",
+            "title": f"{subjects[i - 1].title} → {subjects[i].title}",
             **{
-                metric: ratio(after.rounds["call"], before.rounds["call"], metric)
-                for metric in RATIO_METRICS
+                key: {
+                    metric: ratio(
+                        runners[i].rounds["call"], runners[i - 1].rounds["call"], metric
+                    )
+                    for metric in RATIO_METRICS
+                }
+                for key, runners in series.items()
             },
         }
-        for half, whole, before, after in zip(
-            subjects, subjects[1:], runners, runners[1:]
-        )
+        for i in range(1, len(subjects))
     ]
 
 

@@ -137,11 +137,14 @@ def growth_table(growth, results):
 
 
 def doublings_table(doublings):
+    keys = (plan.LIBRARY, plan.BASE)
+    metrics = ("cpu_ns", "time_ns")
+    header = [f"{TITLES[key]}, {name}" for key in keys for name in ("CPU", "time")]
     rows = [
-        [one["title"], with_spread(one["cpu_ns"]), with_spread(one["time_ns"])]
+        [one["title"]] + [with_spread(one[key][name]) for key in keys for name in metrics]
         for one in doublings
     ]
-    return table(["this library", "CPU", "time"], rows)
+    return table([""] + header, rows)
 
 
 def micro_table(benchmarks):
