@@ -8,16 +8,10 @@
 
 #include "client/servers/calls.h"
 #include "client/servers/front_end.h"
-#include "client/transport/caller.h"
-#include "client/transport/certificates.h"
+#include "client/transport/tls_settings.h"
 
 namespace orb::test {
 namespace {
-
-constexpr const char* kNotTrusted = "SSL peer certificate or SSH remote key was not OK";
-constexpr const char* kNoClientFile = "Problem with the local SSL certificate";
-
-const Certificates& files() { return Certificates::get(); }
 
 std::string certificate(const TlsServerFiles& server) {
   return "ssl_certificate " + server.certificate + ";\nssl_certificate_key " +
@@ -29,34 +23,6 @@ struct TlsRow {
   Settings settings;
   Outcome expected;
 };
-
-Settings trusting(const std::string& authority) {
-  Settings settings;
-  settings.serverCertFile = authority;
-  return settings;
-}
-
-Settings verifying(bool host, bool peer) {
-  Settings settings = trusting(peer ? files().authority() : "");
-  settings.verifyHost = host;
-  settings.verifyPeer = peer;
-  return settings;
-}
-
-Settings revoking(const std::string& list) {
-  Settings settings = trusting(files().authority());
-  settings.crlFile = list;
-  return settings;
-}
-
-Settings showing(const std::string& file, const std::string& key,
-                 const std::string& password) {
-  Settings settings = trusting(files().authority());
-  settings.clientCertFile = file;
-  settings.clientPrivateKeyFile = key;
-  settings.clientPrivateKeyPassword = password;
-  return settings;
-}
 
 class BehindNginxWithTls : public ::testing::TestWithParam<const char*> {
  protected:

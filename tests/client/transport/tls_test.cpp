@@ -2,16 +2,10 @@
 // The TLS settings of a configuration, as a server and the call see them.
 #include <gtest/gtest.h>
 
-#include "client/transport/caller.h"
-#include "client/transport/certificates.h"
+#include "client/transport/tls_settings.h"
 
 namespace orb::test {
 namespace {
-
-constexpr const char* kNotTrusted = "SSL peer certificate or SSH remote key was not OK";
-constexpr const char* kNoClientFile = "Problem with the local SSL certificate";
-
-const Certificates& files() { return Certificates::get(); }
 
 struct TlsRow {
   std::string name;
@@ -32,34 +26,6 @@ void expectRows(const TlsServerFiles& server, const std::vector<TlsRow>& rows) {
   }
 }
 
-Settings trusting(const std::string& authority) {
-  Settings settings;
-  settings.serverCertFile = authority;
-  return settings;
-}
-
-Settings unverified(bool host, bool peer) {
-  Settings settings = trusting(peer ? files().authority() : "");
-  settings.verifyHost = host;
-  settings.verifyPeer = peer;
-  return settings;
-}
-
-Settings revoking(const std::string& list) {
-  Settings settings = trusting(files().authority());
-  settings.crlFile = list;
-  return settings;
-}
-
-Settings showing(const std::string& certificate, const std::string& key,
-                 const std::string& password) {
-  Settings settings = trusting(files().authority());
-  settings.clientCertFile = certificate;
-  settings.clientPrivateKeyFile = key;
-  settings.clientPrivateKeyPassword = password;
-  return settings;
-}
-
 TEST(TlsSettings, DecideWhichServersAreTrusted) {
   expectRows(
       files().server(),
@@ -69,18 +35,18 @@ TEST(TlsSettings, DecideWhichServersAreTrusted) {
           {"another authority", trusting(files().clientCertificate()), kNotTrusted},
           {"no such file", trusting(files().authority() + "x"),
            "Problem with the SSL CA cert (path? access rights?)"},
-          {"no check of the chain", unverified(true, false), ""},
-          {"no check at all", unverified(false, false), ""},
+          {"no check of the chain", verifying(true, false), ""},
+          {"no check at all", verifying(false, false), ""},
       });
 }
 
 TEST(TlsSettings, DecideWhetherTheNameIsChecked) {
   expectRows(files().otherHost(),
              {
-                 {"checked", unverified(true, true), kNotTrusted},
-                 {"not checked", unverified(false, true), ""},
-                 {"checked without the chain", unverified(true, false), kNotTrusted},
-                 {"nothing checked", unverified(false, false), ""},
+                 {"checked", verifying(true, true), kNotTrusted},
+                 {"not checked", verifying(false, true), ""},
+                 {"checked without the chain", verifying(true, false), kNotTrusted},
+                 {"nothing checked", verifying(false, false), ""},
              });
 }
 
