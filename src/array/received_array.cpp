@@ -25,10 +25,9 @@ constexpr size_t kHugeBytes = size_t{4} << 20;
 /// MB in small ones takes longer than copying them.
 void preferHugePages(void* start, size_t size) {
   constexpr uintptr_t kPage = 4096;
-  const uintptr_t begin = (reinterpret_cast<uintptr_t>(start) + kPage - 1) & ~(kPage - 1);
-  const uintptr_t end = (reinterpret_cast<uintptr_t>(start) + size) & ~(kPage - 1);
+  const uintptr_t inPage = reinterpret_cast<uintptr_t>(start) % kPage;
   // A refusal costs speed alone.
-  if (begin < end) madvise(reinterpret_cast<void*>(begin), end - begin, MADV_HUGEPAGE);
+  madvise(static_cast<char*>(start) - inPage, inPage + size, MADV_HUGEPAGE);
 }
 
 /// Reads one array of a type known at compile time.

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include "array/varint_groups.h"
 #include "unit/wire/random_array.h"
 
 namespace orb::test {
@@ -88,6 +89,18 @@ TYPED_TEST(PackedVarints, OfEveryCountAndMagnitudeAreTheMessageLibrarys) {
     }
   }
 }
+
+#ifdef ORB_VARINT_GROUPS
+TEST(ReadGroups, GoesOnWhileABlockHasRoom) {
+  if (!wire::hasVarintGroups()) GTEST_SKIP() << "not on this processor";
+  const std::string block(64, 'x');
+  std::vector<uint16_t> elements(64);
+  uint16_t* target = elements.data();
+  const wire::Slice bytes = sliceOf(block);
+  EXPECT_EQ(wire::readGroups(bytes.data, ~uint64_t{0}, target), bytes.data + 52);
+  EXPECT_EQ(target, elements.data() + 52);
+}
+#endif
 
 TEST(ReadPacked, KeepsTheLow16BitsOfLongVarints) {
   std::vector<uint16_t> read;

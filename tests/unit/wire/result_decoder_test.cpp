@@ -2,6 +2,9 @@
 #include "runtime/result_decoder.h"
 
 #include <gtest/gtest.h>
+#include <sys/mman.h>
+#include <sys/syscall.h>
+#include <unistd.h>
 
 #include <boost/make_shared.hpp>
 #include <climits>
@@ -9,6 +12,28 @@
 #include "array/orb_array_from_kaldex_array_factory.h"
 #include "orb/qxorbclient.h"
 #include "unit/wire/random_array.h"
+
+namespace {
+
+/// Memory that was to be backed with huge pages.
+struct Advised {
+  const char* begin;
+  size_t size;
+};
+
+std::vector<Advised>& advised() {
+  static std::vector<Advised> all;
+  return all;
+}
+
+}  // namespace
+
+extern "C" int madvise(void* begin, size_t size, int advice) noexcept {
+  if (advice == MADV_HUGEPAGE) {
+    advised().push_back({static_cast<const char*>(begin), size});
+  }
+  return static_cast<int>(::syscall(SYS_madvise, begin, size, advice));
+}
 
 namespace orb::test {
 namespace {
@@ -134,6 +159,37 @@ std::string bodyWithPayload(const std::string& payload) {
   std::string tag = array.SerializeAsString();
   tag.pop_back();  // the size, 0
   return field("\x0A", "\x08\x09" + field(tag, payload));
+}
+
+/// A real array of this size in bytes, as doubles and as many extents as it takes.
+KALDEX_Array arrayOfSize(size_t size) {
+  KALDEX_Array array;
+  array.set_type(KALDEX_Array::DOUBLE);
+  const size_t count = (size - 32) / sizeof(double);
+  array.mutable_qxdouble()->mutable_elements()->Resize(static_cast<int>(count), 1.5);
+  while (array.ByteSizeLong() < size) array.add_dimension(1);
+  return array;
+}
+
+TEST(ReadOutputs, AsksForHugePagesFrom4MiBOn) {
+  constexpr size_t kHuge = size_t{4} << 20;
+  for (const size_t size : {kHuge - 1, kHuge}) {
+    client::KALDEX_Result result;
+    *result.add_lhs() = arrayOfSize(size);
+    ASSERT_EQ(result.lhs(0).ByteSizeLong(), size);
+    const std::string body = result.SerializeAsString();
+    advised().clear();
+    std::vector<UniqueHandle> outputs;
+    ASSERT_TRUE(readOutputs(sliceOf(body), INT_MAX, 1, outputs));
+    ASSERT_EQ(advised().size(), size == kHuge ? 1u : 0u);
+    if (advised().empty()) continue;
+    const Advised& pages = advised().front();
+    const auto* const list = reinterpret_cast<const char*>(orbGetPr(outputs[0].get()));
+    const size_t inPage = reinterpret_cast<uintptr_t>(list) % 4096;
+    EXPECT_EQ(pages.begin, list - inPage);
+    const auto count = static_cast<size_t>(result.lhs(0).qxdouble().elements_size());
+    EXPECT_EQ(pages.size, inPage + count * sizeof(double));
+  }
 }
 
 TEST(ReadOutputs, LeavesBrokenHugeListsAlone) {
