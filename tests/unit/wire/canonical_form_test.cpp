@@ -104,5 +104,14 @@ INSTANTIATE_TEST_SUITE_P(
         Row{"cells 40 deep", nestedCells(40), true},
         Row{"cells 41 deep", nestedCells(41), false}));
 
+TEST(ReadCanonicalFieldsBelow, GoesAsDeep) {
+  for (const int depth : {40, 41}) {
+    const std::string bytes = nestedCells(depth);
+    wire::Reader reader(sliceOf(bytes));
+    EXPECT_EQ(wire::readCanonicalFieldsBelow(KALDEX_Array::kStructFieldNumber, reader),
+              depth == 40);
+  }
+}
+
 }  // namespace
 }  // namespace orb::test

@@ -93,12 +93,24 @@ TYPED_TEST(PackedVarints, OfEveryCountAndMagnitudeAreTheMessageLibrarys) {
 #ifdef ORB_VARINT_GROUPS
 TEST(ReadGroups, GoesOnWhileABlockHasRoom) {
   if (!wire::hasVarintGroups()) GTEST_SKIP() << "not on this processor";
-  const std::string block(64, 'x');
-  std::vector<uint16_t> elements(64);
-  uint16_t* target = elements.data();
-  const wire::Slice bytes = sliceOf(block);
-  EXPECT_EQ(wire::readGroups(bytes.data, ~uint64_t{0}, target), bytes.data + 52);
-  EXPECT_EQ(target, elements.data() + 52);
+  struct Row {
+    uint16_t element;
+    uint64_t ends;  // in a block of these elements
+    size_t bytesRead;
+    size_t elementsRead;
+  };
+  for (const Row& row :
+       {Row{7, ~uint64_t{0}, 52, 52}, Row{300, 0xAAAAAAAAAAAAAAAA, 56, 28},
+        Row{40000, 0x4924924924924924, 60, 20}}) {
+    const std::vector<uint16_t> elements(64, row.element);
+    uint8_t block[3 * 64];
+    wire::writePacked(elements.data(), elements.size(), &block[0]);
+    std::vector<uint16_t> read(64);
+    uint16_t* target = read.data();
+    EXPECT_EQ(wire::readGroups(&block[0], row.ends, target), &block[row.bytesRead]);
+    read.resize(static_cast<size_t>(target - read.data()));
+    EXPECT_EQ(read, std::vector<uint16_t>(row.elementsRead, row.element));
+  }
 }
 #endif
 
