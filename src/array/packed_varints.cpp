@@ -163,7 +163,7 @@ template <class Native>
 uint8_t* writePacked(const Native* elements, size_t count, uint8_t* target) {
   size_t i = 0;
   // As many elements stay behind every block as scratch bytes may be written.
-  for (; i + kBlock + kScratch <= count; i += kBlock) {
+  for (; count - i >= kBlock + kScratch; i += kBlock) {
     const uint16_t bits = allBits(elements + i);
     if (bits < 0x80) {
       std::transform(elements + i, elements + i + kBlock, target,

@@ -101,6 +101,5 @@ void orbTerminate(void) {
   if (!table) return;
   table.reset();
   orb::QXHttpClient::cleanUpGlobally();
-  initializationFailure = nullptr;
   initializationMessage = "";
 }

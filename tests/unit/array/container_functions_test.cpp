@@ -3,10 +3,12 @@
 // arrays.
 #include <gtest/gtest.h>
 
+#include <new>
 #include <stdexcept>
 #include <typeinfo>
 
 #include "support/array.h"
+#include "support/failing_new.h"
 #include "unit/array/message.h"
 
 namespace orb::test {
@@ -152,6 +154,25 @@ TEST(SetNzmax, ResizesTheListsOfTheStoredType) {
     const Array sparse = arrayOf(prefix + before + " }");
     orbSetNzmax(sparse, 2);
     EXPECT_THAT(messageOf(sparse), IsMessage(prefix + after + " }"));
+  }
+}
+
+TEST(SetNzmax, ThatRunsOutOfMemoryChangesNothing) {
+  const std::string text =
+      "type: SPARSE dimension: [4, 4] sparse { ir: 1 jc: [0, 1] "
+      "qxsparsedouble { elements: 4 imag_elements: 5 } }";
+  bool hasFailed = true;
+  for (size_t n = 1; hasFailed; ++n) {
+    SCOPED_TRACE(n);
+    const Array sparse = arrayOf(text);
+    FailingNew failing = FailingNew::at(n);
+    try {
+      orbSetNzmax(sparse, 9);
+    } catch (const std::bad_alloc&) {
+    }
+    hasFailed = failing.stop();
+    EXPECT_EQ(orbGetNzmax(sparse), hasFailed ? 1u : 9u);
+    if (hasFailed) EXPECT_THAT(messageOf(sparse), IsMessage(text));
   }
 }
 

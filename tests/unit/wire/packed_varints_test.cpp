@@ -94,22 +94,26 @@ TYPED_TEST(PackedVarints, OfEveryCountAndMagnitudeAreTheMessageLibrarys) {
 TEST(ReadGroups, GoesOnWhileABlockHasRoom) {
   if (!wire::hasVarintGroups()) GTEST_SKIP() << "not on this processor";
   struct Row {
-    uint16_t element;
+    uint16_t first;
+    uint16_t others;
     uint64_t ends;  // in a block of these elements
     size_t bytesRead;
     size_t elementsRead;
   };
   for (const Row& row :
-       {Row{7, ~uint64_t{0}, 52, 52}, Row{300, 0xAAAAAAAAAAAAAAAA, 56, 28},
-        Row{40000, 0x4924924924924924, 60, 20}}) {
-    const std::vector<uint16_t> elements(64, row.element);
+       {Row{7, 7, ~uint64_t{0}, 52, 52}, Row{300, 7, ~uint64_t{1}, 49, 48},
+        Row{300, 300, 0xAAAAAAAAAAAAAAAA, 56, 28},
+        Row{40000, 40000, 0x4924924924924924, 60, 20}}) {
+    std::vector<uint16_t> elements(64, row.others);
+    elements[0] = row.first;
     uint8_t block[3 * 64];
     wire::writePacked(elements.data(), elements.size(), &block[0]);
     std::vector<uint16_t> read(64);
     uint16_t* target = read.data();
     EXPECT_EQ(wire::readGroups(&block[0], row.ends, target), &block[row.bytesRead]);
+    elements.resize(row.elementsRead);
     read.resize(static_cast<size_t>(target - read.data()));
-    EXPECT_EQ(read, std::vector<uint16_t>(row.elementsRead, row.element));
+    EXPECT_EQ(read, elements);
   }
 }
 #endif
@@ -119,6 +123,14 @@ TEST(ReadPacked, KeepsTheLow16BitsOfLongVarints) {
   const std::string bytes = "\xFF\xFF\xFF\xFF\x0F\x80\x80\x04\x05";
   ASSERT_TRUE(wire::readPacked(sliceOf(bytes), read));
   EXPECT_EQ(read, (std::vector<uint16_t>{0xFFFF, 0, 5}));
+}
+
+TEST(ReadPacked, ReadsABlockToItsLastByte) {
+  std::string bytes;
+  for (int i = 0; i < 16; ++i) bytes += "\xFF\xFF\xFF\x7F";
+  std::vector<uint16_t> read;
+  ASSERT_TRUE(wire::readPacked(sliceOf(bytes), read));
+  EXPECT_EQ(read, std::vector<uint16_t>(16, 0xFFFF));
 }
 
 TEST(ReadPacked, RefusesWhatEndsInsideAVarint) {
@@ -134,7 +146,7 @@ TEST(ReadPacked, RefusesWhatEndsInsideAVarint) {
 TEST(ReadPacked, RefusesVarintsOfElevenBytes) {
   for (size_t before = 0; before < 40; ++before) {
     const std::string bytes =
-        std::string(before, 'x') + std::string(10, '\x80') + std::string(40, '\x01');
+        std::string(before, 'x') + std::string(10, '\x80') + std::string(80, '\x01');
     std::vector<uint16_t> read;
     EXPECT_FALSE(wire::readPacked(sliceOf(bytes), read)) << before;
   }

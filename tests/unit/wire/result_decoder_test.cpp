@@ -107,6 +107,29 @@ TEST(ReadOutputs, GivesWhatParsingGives) {
   EXPECT_GT(taken, 700);
 }
 
+TEST(ReadOutputs, TakesEveryType) {
+  RandomArrays random(11);
+  std::vector<KALDEX_Array> arrays;
+  for (int type = 0; type < KALDEX_Array::STRUCT; ++type) {
+    arrays.push_back(random.arrayOf(static_cast<QXType>(type), 9));
+  }
+  KALDEX_Array cell;
+  cell.set_type(KALDEX_Array::CELL);
+  *cell.mutable_cell()->add_elements() = arrays[0];
+  KALDEX_Array record;
+  record.set_type(KALDEX_Array::STRUCT);
+  record.mutable_struct_()->add_field_names("a");
+  *record.mutable_struct_()->add_elements() = arrays[0];
+  arrays.insert(arrays.end(), {cell, record});
+  for (const KALDEX_Array& array : arrays) {
+    client::KALDEX_Result result;
+    *result.add_lhs() = array;
+    int taken = 0;
+    expectSameResult(result.SerializeAsString(), 1, &taken);
+    EXPECT_EQ(taken, 1) << array.type();
+  }
+}
+
 TEST(ReadOutputs, GivesWhatParsingGivesForOddArrays) {
   RandomArrays random(8);
   int taken = 0;
@@ -202,6 +225,7 @@ TEST(ReadOutputs, LeavesBrokenHugeListsAlone) {
   };
   EXPECT_TRUE(taken(head + list));
   EXPECT_TRUE(taken(head + list + std::string("\x12\0", 2)));
+  EXPECT_TRUE(taken(head + list + std::string("\x12\x80\0", 3))) << "a long length";
   for (const std::string& bad :
        {"\x0A\x81\x80\x80\x02" + list + "x", "\x0A\x88\x80\x80\x02" + list,
         head + list + "\x12\x01y", head + list + "\x12\x08y"}) {
