@@ -126,11 +126,11 @@ char16_t codeUnit(char byte) {
   return static_cast<char16_t>(static_cast<signed char>(byte));
 }
 
-size_t fieldCount(int nfields) { return nfields > 0 ? static_cast<size_t>(nfields) : 0; }
+size_t fieldCount(int nfields) { return static_cast<size_t>(std::max(nfields, 0)); }
 
 orbArray withFieldNames(UniqueHandle handle, int nfields, const char** names) {
   KALDEX_Array::Struct& payload = *handle->proxy->message().mutable_struct_();
-  payload.mutable_field_names()->Reserve(std::max(nfields, 0));
+  payload.mutable_field_names()->Reserve(nfields);
   for (int i = 0; i < nfields; ++i) payload.add_field_names(names[i]);
   return handle.release();
 }

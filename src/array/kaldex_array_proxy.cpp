@@ -26,7 +26,7 @@ DataAccessor dataOf(KALDEX_Array& message, bool isComplex) {
 
 }  // namespace
 
-KALDEXArrayProxy::KALDEXArrayProxy(SharedMessage message, MessageUse)
+KALDEXArrayProxy::KALDEXArrayProxy(SharedMessage message)
     : message_(std::move(message)), isComplex_(attributesOf(*message_).isComplex) {}
 
 void KALDEXArrayProxy::resize(int32_t count) {

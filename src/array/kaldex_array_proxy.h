@@ -15,10 +15,10 @@ namespace orb {
 
 using SharedMessage = boost::shared_ptr<KALDEX_Array>;
 
-/// What a proxy may do with the message that it is built over.
+/// What a struct or cell array may do with the message that its proxy is built over.
 enum class MessageUse {
   kShare,  // others see it too: only look
-  kOwn,    // nobody else ever saw it: parts may be taken over
+  kOwn,    // nobody else ever saw it: the elements may be taken over
 };
 
 /// How an array goes into a call.
@@ -36,7 +36,7 @@ class KALDEXArrayProxy : boost::noncopyable {
  public:
   /// Throws std::invalid_argument, "dispatch_on_QXType", for a type that cannot be
   /// viewed.
-  explicit KALDEXArrayProxy(SharedMessage message, MessageUse use = MessageUse::kShare);
+  explicit KALDEXArrayProxy(SharedMessage message);
   virtual ~KALDEXArrayProxy() = default;
 
   /// Changes the number of elements, after the dimensions were changed.

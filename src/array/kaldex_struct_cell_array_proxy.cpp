@@ -3,6 +3,7 @@
 
 #include <google/protobuf/repeated_field.h>
 
+#include <algorithm>
 #include <boost/make_shared.hpp>
 #include <utility>
 
@@ -21,11 +22,8 @@ template <QXType T>
 constexpr int kElementsField = T == KALDEX_Array::STRUCT ? 2 : 1;
 
 Elements copied(const MessageList& list) {
-  Elements elements;
-  elements.reserve(static_cast<size_t>(list.size()));
-  for (const KALDEX_Array& element : list) {
-    elements.push_back(copyOf(element));
-  }
+  Elements elements(static_cast<size_t>(list.size()));
+  std::transform(list.begin(), list.end(), elements.begin(), &copyOf);
   return elements;
 }
 
@@ -59,14 +57,14 @@ Elements elementsOf(KALDEX_Array& message, MessageUse use) {
 template <QXType T>
 KALDEXStructCellArrayProxy<T>::KALDEXStructCellArrayProxy(SharedMessage message,
                                                           MessageUse use)
-    : KALDEXArrayProxy(std::move(message), use),
+    : KALDEXArrayProxy(std::move(message)),
       elements_(elementsOf<T>(this->message(), use)) {}
 
 template <QXType T>
 KALDEXStructCellArrayProxy<T>::KALDEXStructCellArrayProxy(SharedMessage message,
                                                           Elements elements,
                                                           PendingElements pending)
-    : KALDEXArrayProxy(std::move(message), MessageUse::kOwn),
+    : KALDEXArrayProxy(std::move(message)),
       elements_(std::move(elements)),
       pending_(std::move(pending)) {}
 

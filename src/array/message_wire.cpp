@@ -11,7 +11,7 @@
 namespace orb {
 namespace {
 
-constexpr wire::PackedList kNone = {nullptr, 0, 0, nullptr, 1, 1};
+constexpr wire::PackedList kNone = {};
 
 wire::PackedList listOf(const std::string& bytes) {
   return wire::asStored(bytes.data(), bytes.size());

@@ -50,8 +50,8 @@ void widen(const std::vector<Native>& elements,
 }  // namespace
 
 template <QXType T>
-NativeArrayProxy<T>::NativeArrayProxy(SharedMessage message, MessageUse use)
-    : KALDEXArrayProxy(std::move(message), use),
+NativeArrayProxy<T>::NativeArrayProxy(SharedMessage message)
+    : KALDEXArrayProxy(std::move(message)),
       real_(realOf<T>(this->message())),
       imag_(imagOf<T>(this->message())),
       listsDeferred_(false) {}
@@ -59,7 +59,7 @@ NativeArrayProxy<T>::NativeArrayProxy(SharedMessage message, MessageUse use)
 template <QXType T>
 NativeArrayProxy<T>::NativeArrayProxy(SharedMessage message, std::vector<Native> real,
                                       std::vector<Native> imag)
-    : KALDEXArrayProxy(std::move(message), MessageUse::kOwn),
+    : KALDEXArrayProxy(std::move(message)),
       real_(std::move(real)),
       imag_(std::move(imag)),
       listsDeferred_(true),

@@ -21,7 +21,7 @@ class NativeArrayProxy : public KALDEXArrayProxy {
  public:
   using Native = NativeElement<T>;
 
-  explicit NativeArrayProxy(SharedMessage message, MessageUse use = MessageUse::kShare);
+  explicit NativeArrayProxy(SharedMessage message);
   /// Over a message that nobody else saw, without lists; these are its elements.
   NativeArrayProxy(SharedMessage message, std::vector<Native> real,
                    std::vector<Native> imag);

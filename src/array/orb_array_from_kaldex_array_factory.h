@@ -21,7 +21,11 @@ class OrbArrayFromKALDEX_ArrayFactory {
 
   template <QXType T>
   void visit() {
-    handle_.proxy = std::make_unique<ProxyOf<T>>(message_, use_);
+    if constexpr (kIsContainer<T>) {
+      handle_.proxy = std::make_unique<ProxyOf<T>>(message_, use_);
+    } else {
+      handle_.proxy = std::make_unique<ProxyOf<T>>(message_);
+    }
   }
 
  private:

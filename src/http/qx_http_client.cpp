@@ -49,7 +49,6 @@ void QXHttpClient::applyConfig() {
   // as 2.
   setOption(handle_, CURLOPT_SSL_VERIFYHOST, config_.getVerifyHost() ? 2L : 0L);
   setOption(handle_, CURLOPT_SSL_VERIFYPEER, config_.getVerifyPeer() ? 1L : 0L);
-  isConfigured_ = true;
 }
 
 // Over the life of a handle libcurl counts the requests that it sent again because a kept
@@ -66,6 +65,7 @@ void QXHttpClient::forgetResentRequests() {
   setOption(handle_, CURLOPT_BUFFERSIZE, long{CURL_MAX_WRITE_SIZE});
   setOption(handle_, CURLOPT_UPLOAD_BUFFERSIZE, kUploadBufferBytes);
   applyConfig();
+  isConfigured_ = true;
 }
 
 std::unique_ptr<Request> QXHttpClient::createRequest(const std::string& url) {

@@ -30,7 +30,7 @@ class QXHttpClient : public QXClient {
 
   QXHttpClientConfig config_;
   boost::shared_ptr<void> handle_;
-  bool isConfigured_ = false;               // the handle has all settings
+  bool isConfigured_ = true;                // the handle has all settings
   boost::shared_ptr<KeptBlock> bodyBlock_;  // kept between requests
 };
 

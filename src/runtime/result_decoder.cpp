@@ -18,14 +18,14 @@ bool splitOutputs(wire::Slice body, uint32_t count, std::vector<wire::Slice>& pa
   constexpr uint32_t kOutputTag =
       wire::tagOf(client::KALDEX_Result::kLhsFieldNumber, wire::kLengthDelimited);
   wire::Reader reader(body);
-  while (!reader.atEnd()) {
+  while (parts.size() < count) {
     uint64_t tag = 0;
     wire::Slice output{};
     if (!reader.readVarint(tag) || tag != kOutputTag) return false;
-    if (!reader.readLengthDelimited(output) || parts.size() == count) return false;
+    if (!reader.readLengthDelimited(output)) return false;
     parts.push_back(output);
   }
-  return parts.size() == count;
+  return reader.atEnd();
 }
 
 }  // namespace

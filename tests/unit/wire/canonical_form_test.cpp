@@ -108,6 +108,12 @@ INSTANTIATE_TEST_SUITE_P(
         Row{"cells 40 deep", nestedCells(40), true},
         Row{"cells 41 deep", nestedCells(41), false}));
 
+TEST(ReadCanonicalFieldsBelow, RefusesAFieldTwice) {
+  const std::string bytes = "\x08\x09\x08\x09";
+  wire::Reader reader(sliceOf(bytes));
+  EXPECT_FALSE(wire::readCanonicalFieldsBelow(KALDEX_Array::kStructFieldNumber, reader));
+}
+
 TEST(ReadCanonicalFieldsBelow, GoesAsDeep) {
   for (const int depth : {40, 41}) {
     const std::string bytes = nestedCells(depth);

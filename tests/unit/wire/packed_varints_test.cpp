@@ -57,13 +57,14 @@ class PackedVarints : public ::testing::Test {
     const std::string expected = listIn(Reference<Element>::pack(elements));
     const size_t size = wire::packedSize(elements.data(), elements.size());
     ASSERT_EQ(size, expected.size());
-    // Not a byte more: a scratch byte behind the end would be found.
-    auto bytes = std::make_unique<uint8_t[]>(size);
-    ASSERT_EQ(wire::writePacked(elements.data(), elements.size(), bytes.get()),
-              bytes.get() + size);
-    ASSERT_EQ(std::string(reinterpret_cast<char*>(bytes.get()), size), expected);
+    // Not a byte more, not even one that would be written over.
+    const std::string behind(64, '#');
+    std::string bytes = std::string(size, '\0') + behind;
+    auto* const start = reinterpret_cast<uint8_t*>(bytes.data());
+    ASSERT_EQ(wire::writePacked(elements.data(), elements.size(), start), start + size);
+    ASSERT_EQ(bytes, expected + behind);
     std::vector<Element> read;
-    ASSERT_TRUE(wire::readPacked({bytes.get(), size}, read));
+    ASSERT_TRUE(wire::readPacked({start, size}, read));
     ASSERT_EQ(read, elements);
   }
 };
