@@ -170,8 +170,9 @@ TEST(ReadOutputs, GivesWhatParsingGivesForHugeLists) {
   }
 }
 
-/// Type DOUBLE and these bytes of payload, in a body.
-std::string bodyWithPayload(const std::string& payload) {
+/// Type DOUBLE, unless something else is asked for, and these bytes of payload, in a body.
+std::string bodyWithPayload(const std::string& payload,
+                            const std::string& before = "\x08\x09") {
   const auto field = [](const std::string& tag, const std::string& bytes) {
     uint8_t size[wire::kMaxVarintSize];
     uint8_t* const end = wire::writeVarint(bytes.size(), size);
@@ -181,7 +182,7 @@ std::string bodyWithPayload(const std::string& payload) {
   array.mutable_qxdouble();
   std::string tag = array.SerializeAsString();
   tag.pop_back();  // the size, 0
-  return field("\x0A", "\x08\x09" + field(tag, payload));
+  return field("\x0A", before + field(tag, payload));
 }
 
 /// A real array of this size in bytes, as doubles and as many extents as it takes.
@@ -231,8 +232,9 @@ TEST(ReadOutputs, LeavesBrokenHugeListsAlone) {
         head + list + "\x12\x01y", head + list + "\x12\x08y"}) {
     EXPECT_FALSE(taken(bad));
   }
-  // An unknown field, which the message library keeps.
+  // An unknown field, which the message library keeps, and a type that is there twice.
   expectSameResult(bodyWithPayload(head + list + std::string("\x1A\0", 2)), 1);
+  expectSameResult(bodyWithPayload(head + list, "\x08\x09\x08\x09"), 1);
 }
 
 TEST(ReadOutputs, LeavesAlone) {
