@@ -101,5 +101,6 @@ void orbTerminate(void) {
   if (!table) return;
   table.reset();
   orb::QXHttpClient::cleanUpGlobally();
+  initializationFailure = nullptr;
   initializationMessage = "";
 }
