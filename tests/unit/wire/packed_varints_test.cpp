@@ -119,6 +119,14 @@ TEST(ReadGroups, GoesOnWhileABlockHasRoom) {
 }
 #endif
 
+TYPED_TEST(PackedVarints, OfShortElementsAreNotWrittenPastTheirEnd) {
+  for (size_t count = 60; count < 100; ++count) {
+    std::vector<TypeParam> elements(count, 7);
+    elements[0] = 300;  // else the bytes would be copied
+    this->expectSameAsMessageLibrary(elements);
+  }
+}
+
 TEST(ReadPacked, KeepsTheLow16BitsOfLongVarints) {
   std::vector<uint16_t> read;
   const std::string bytes = "\xFF\xFF\xFF\xFF\x0F\x80\x80\x04\x05";
