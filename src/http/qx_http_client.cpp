@@ -49,6 +49,9 @@ void QXHttpClient::applyConfig() {
   // as 2.
   setOption(handle_, CURLOPT_SSL_VERIFYHOST, config_.getVerifyHost() ? 2L : 0L);
   setOption(handle_, CURLOPT_SSL_VERIFYPEER, config_.getVerifyPeer() ? 1L : 0L);
+  // Where memory ends while libcurl 7.88 notes a TLS session, it frees a block twice, or
+  // fails all that connects later.
+  setOption(handle_, CURLOPT_SSL_SESSIONID_CACHE, 0L);
 }
 
 // Over the life of a handle libcurl counts the requests that it sent again because a kept

@@ -34,6 +34,7 @@ const KnownOption kOptions[] = {
     {CURLOPT_CRLFILE, "CRLFILE", Kind::kText},
     {CURLOPT_SSL_VERIFYHOST, "SSL_VERIFYHOST", Kind::kNumber},
     {CURLOPT_SSL_VERIFYPEER, "SSL_VERIFYPEER", Kind::kNumber},
+    {CURLOPT_SSL_SESSIONID_CACHE, "SSL_SESSIONID_CACHE", Kind::kNumber},
     {CURLOPT_URL, "URL", Kind::kText},
     {CURLOPT_HTTPHEADER, "HTTPHEADER", Kind::kPointer},
     {CURLOPT_POSTFIELDS, "POSTFIELDS", Kind::kPointer},

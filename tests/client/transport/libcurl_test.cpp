@@ -49,8 +49,9 @@ class Libcurl : public ::testing::Test {
 
 TEST_F(Libcurl, IsGivenTheSettingsInOrderWhenAContextIsMade) {
   ASSERT_EQ(createContext(), ORB_OK);
-  EXPECT_THAT(libcurlSeam().options, ElementsAre("HTTP_VERSION 2", "TIMEOUT 120",
-                                                 "SSL_VERIFYHOST 2", "SSL_VERIFYPEER 1"));
+  EXPECT_THAT(libcurlSeam().options,
+              ElementsAre("HTTP_VERSION 2", "TIMEOUT 120", "SSL_VERIFYHOST 2",
+                          "SSL_VERIFYPEER 1", "SSL_SESSIONID_CACHE 0"));
 }
 
 TEST_F(Libcurl, IsGivenEveryTextThatIsSet) {
@@ -67,7 +68,8 @@ TEST_F(Libcurl, IsGivenEveryTextThatIsSet) {
       libcurlSeam().options,
       ElementsAre("HTTP_VERSION 2", "TIMEOUT 0", "SSLCERT client.pem",
                   "SSLKEY client.key", "KEYPASSWD open sesame", "CAINFO authority.pem",
-                  "CRLFILE revoked.crl", "SSL_VERIFYHOST 0", "SSL_VERIFYPEER 0"));
+                  "CRLFILE revoked.crl", "SSL_VERIFYHOST 0", "SSL_VERIFYPEER 0",
+                  "SSL_SESSIONID_CACHE 0"));
 }
 
 TEST_F(Libcurl, IsGivenEachTextByItself) {
@@ -75,9 +77,10 @@ TEST_F(Libcurl, IsGivenEachTextByItself) {
   table_.setCRLFile(config_, "revoked.crl");
   table_.setCRLFile(config_, "");
   ASSERT_EQ(createContext(), ORB_OK);
-  EXPECT_THAT(libcurlSeam().options,
-              ElementsAre("HTTP_VERSION 2", "TIMEOUT 120", "KEYPASSWD open sesame",
-                          "SSL_VERIFYHOST 2", "SSL_VERIFYPEER 1"));
+  EXPECT_THAT(
+      libcurlSeam().options,
+      ElementsAre("HTTP_VERSION 2", "TIMEOUT 120", "KEYPASSWD open sesame",
+                  "SSL_VERIFYHOST 2", "SSL_VERIFYPEER 1", "SSL_SESSIONID_CACHE 0"));
 }
 
 TEST_F(Libcurl, IsGivenUrlHeadersBodyAndCallbacksInEachCall) {
@@ -86,8 +89,9 @@ TEST_F(Libcurl, IsGivenUrlHeadersBodyAndCallbacksInEachCall) {
   for (int i = 0; i < 3; ++i) {
     // The first call connected, so that the next one starts with a fresh handle.
     if (i == 1)
-      options = {"BUFFERSIZE 16384", "UPLOAD_BUFFERSIZE 65536", "HTTP_VERSION 2",
-                 "TIMEOUT 120",      "SSL_VERIFYHOST 2",        "SSL_VERIFYPEER 1"};
+      options = {"BUFFERSIZE 16384",     "UPLOAD_BUFFERSIZE 65536", "HTTP_VERSION 2",
+                 "TIMEOUT 120",          "SSL_VERIFYHOST 2",        "SSL_VERIFYPEER 1",
+                 "SSL_SESSIONID_CACHE 0"};
     options.insert(options.end(),
                    {"POSTFIELDS", "POSTFIELDSIZE 2", "URL " + server_.url(), "HTTPHEADER",
                     "HEADERFUNCTION", "HEADERDATA", "WRITEFUNCTION", "WRITEDATA"});
@@ -113,8 +117,9 @@ TEST_F(Libcurl, ThatGivesNoHandleFailsTheContext) {
 
 TEST_F(Libcurl, ThatRefusesASettingFailsTheContext) {
   table_.setCRLFile(config_, "revoked.crl");
-  for (const CURLoption option : {CURLOPT_HTTP_VERSION, CURLOPT_TIMEOUT, CURLOPT_CRLFILE,
-                                  CURLOPT_SSL_VERIFYHOST, CURLOPT_SSL_VERIFYPEER}) {
+  for (const CURLoption option :
+       {CURLOPT_HTTP_VERSION, CURLOPT_TIMEOUT, CURLOPT_CRLFILE, CURLOPT_SSL_VERIFYHOST,
+        CURLOPT_SSL_VERIFYPEER, CURLOPT_SSL_SESSIONID_CACHE}) {
     SCOPED_TRACE(option);
     libcurlSeam().refusedOption = option;
     context_ = nullptr;

@@ -34,10 +34,12 @@ static_assert(!std::is_copy_constructible_v<QXHttpClient> &&
 TEST_F(QXHttpClientTest, SetsTheDefaultsAndNoEmptyText) {
   const QXHttpClient client;
   EXPECT_EQ(fakeCurl().handles, 1);
-  EXPECT_THAT(fakeCurl().settings, ElementsAre(Setting(CURLOPT_HTTP_VERSION, "2"),
-                                               Setting(CURLOPT_TIMEOUT, "120"),
-                                               Setting(CURLOPT_SSL_VERIFYHOST, "2"),
-                                               Setting(CURLOPT_SSL_VERIFYPEER, "1")));
+  EXPECT_THAT(
+      fakeCurl().settings,
+      ElementsAre(Setting(CURLOPT_HTTP_VERSION, "2"), Setting(CURLOPT_TIMEOUT, "120"),
+                  Setting(CURLOPT_SSL_VERIFYHOST, "2"),
+                  Setting(CURLOPT_SSL_VERIFYPEER, "1"),
+                  Setting(CURLOPT_SSL_SESSIONID_CACHE, "0")));
 }
 
 TEST_F(QXHttpClientTest, SetsEveryOptionInOrder) {
@@ -53,7 +55,8 @@ TEST_F(QXHttpClientTest, SetsEveryOptionInOrder) {
           Setting(CURLOPT_SSLCERT, "certificate"), Setting(CURLOPT_SSLKEY, "key"),
           Setting(CURLOPT_KEYPASSWD, "password"), Setting(CURLOPT_CAINFO, "authorities"),
           Setting(CURLOPT_CRLFILE, "revoked"), Setting(CURLOPT_SSL_VERIFYHOST, "0"),
-          Setting(CURLOPT_SSL_VERIFYPEER, "0")));
+          Setting(CURLOPT_SSL_VERIFYPEER, "0"),
+          Setting(CURLOPT_SSL_SESSIONID_CACHE, "0")));
 }
 
 TEST_F(QXHttpClientTest, SetsEachTextWithoutTheOthers) {
@@ -72,7 +75,7 @@ TEST_F(QXHttpClientTest, SetsEachTextWithoutTheOthers) {
     QXHttpClientConfig config;
     (config.*row.set)("text");
     const QXHttpClient client(config);
-    EXPECT_EQ(fakeCurl().settings.size(), 5u);
+    EXPECT_EQ(fakeCurl().settings.size(), 6u);
     EXPECT_THAT(fakeCurl().settings, Contains(Setting(row.option, "text")));
   }
 }
