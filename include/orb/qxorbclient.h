@@ -102,6 +102,9 @@
  * libcurl honours the environment at every call: with `http_proxy` set (lower case; for
  * TLS `https_proxy`), calls go through that proxy, also those to this machine, unless
  * `no_proxy` lists the host.
+ *
+ * Calls of a context share its connections, which are kept open. Over TLS, each new
+ * connection makes the whole handshake: sessions are not resumed.
  */
 #ifndef ORB_QXORBCLIENT_H_
 #define ORB_QXORBCLIENT_H_
