@@ -27,6 +27,7 @@ LIBRARY = "qxorbclient"
 # programs are linked for each mutant.
 CLIENTS, UNITS = ("array_", "transport_"), ("unit_",)
 WITHOUT_PROGRAM = {"array_exports"}
+LINK_SECONDS = 2
 # Enough sequences of random calls to notice most mutants.
 ENVIRONMENT = {"ORB_MODEL_SEQUENCES": "300", "CCACHE_DISABLE": "1"}
 # Which tests look at a folder most closely.
@@ -103,6 +104,9 @@ class Test:
     command: list
     environment: dict
 
+    def is_unit(self):
+        return self.name.startswith(UNITS)
+
 
 class History:
     """How long each test takes, and which mutants it has killed: kept between rounds."""
@@ -120,13 +124,10 @@ class History:
     def rank(self, mutant, test):
         """Lower for what is more likely to kill the mutant, and sooner."""
         kills = self._kills.get(f"{mutant.file} {test.name}", 0)
-        return -kills, not is_near(mutant, test), self.seconds[test.name]
-
-
-def is_near(mutant, test):
-    stem = pathlib.Path(mutant.file).stem
-    folder = pathlib.Path(mutant.file).parts[1]
-    return stem in test.name or test.name.startswith(NEAREST[folder])
+        stem, folder = pathlib.Path(mutant.file).stem, pathlib.Path(mutant.file).parts[1]
+        is_near = test.name.startswith(NEAREST[folder])
+        seconds = self.seconds[test.name] + (LINK_SECONDS if test.is_unit() else 0)
+        return -kills, stem not in test.name, not is_near, seconds
 
 
 class Object:
@@ -220,18 +221,15 @@ class Bench:
         return _is_green(command, 600, ENVIRONMENT)
 
     def _try(self, mutant, linked):
-        clients = [test for test in self.tests if test.name.startswith(CLIENTS)]
-        units = [test for test in self.tests if test.name.startswith(UNITS)]
-        for group in (clients, units):
-            for test in sorted(group, key=lambda test: self._history.rank(mutant, test)):
-                if group is units:
-                    if not self._builds(test.name):
-                        return Outcome("killed by the compiler")
-                    linked.append(pathlib.Path(test.command[0]))
-                seconds = 10 + 5 * self._history.seconds[test.name]
-                if not _is_green(test.command, seconds, test.environment):
-                    self._history.killed(mutant, test)
-                    return Outcome(f"killed by {test.name}")
+        for test in sorted(self.tests, key=lambda test: self._history.rank(mutant, test)):
+            if test.is_unit():
+                if not self._builds(test.name):
+                    return Outcome("killed by the compiler")
+                linked.append(pathlib.Path(test.command[0]))
+            seconds = 10 + 5 * self._history.seconds[test.name]
+            if not _is_green(test.command, seconds, test.environment):
+                self._history.killed(mutant, test)
+                return Outcome(f"killed by {test.name}")
         return Outcome("SURVIVED", survived=True)
 
 
