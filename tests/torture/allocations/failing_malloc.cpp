@@ -3,6 +3,8 @@
 
 #include <execinfo.h>
 
+#include <algorithm>
+#include <bitset>
 #include <cerrno>
 #include <cstdint>
 #include <cstdlib>
@@ -54,12 +56,16 @@ void* const kGone = reinterpret_cast<void*>(1);
 struct Watch {
   bool active;
   bool watchesNew;
-  bool traced;
   bool busy;
 };
 
 thread_local Watch watch{};
+// Sizes of the blocks to trace; the last stands for all above. Tracing every block would
+// take longer than all the rest.
+std::bitset<4096> traced;
 Entry entries[kEntries];
+
+std::size_t kindOf(std::size_t size) { return std::min(size, traced.size() - 1); }
 
 std::size_t firstPlaceOf(const void* block) {
   return (reinterpret_cast<std::uintptr_t>(block) >> 4) * 2654435761U % kEntries;
@@ -88,7 +94,7 @@ void add(void* block, std::size_t size) {
   entry.block = block;
   entry.size = size;
   entry.frames = 0;
-  if (!watch.traced) return;
+  if (!traced[kindOf(size)]) return;
   watch.busy = true;
   entry.frames = ::backtrace(entry.stack, kFrames);
   watch.busy = false;
@@ -106,9 +112,11 @@ std::size_t FailingMalloc::calls() const { return plan.calls; }
 
 std::size_t FailingMalloc::failures() const { return plan.failures; }
 
-WatchedBlocks::WatchedBlocks(bool traced) {
+WatchedBlocks::WatchedBlocks(const std::vector<Block>& likeThese) {
   for (Entry& entry : entries) entry.block = nullptr;
-  watch = {true, true, traced, false};
+  traced.reset();
+  for (const Block& block : likeThese) traced.set(kindOf(block.size));
+  watch = {true, true, false};
 }
 
 WatchPause::WatchPause() : before_(watch.watchesNew) { watch.watchesNew = false; }

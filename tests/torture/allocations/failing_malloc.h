@@ -32,7 +32,8 @@ struct Block {
 /// While one lives, what its thread allocates is watched; at most one lives.
 class WatchedBlocks {
  public:
-  explicit WatchedBlocks(bool traced);
+  /// Blocks of the sizes of these are traced.
+  explicit WatchedBlocks(const std::vector<Block>& likeThese);
   ~WatchedBlocks() { stop(); }
   WatchedBlocks(const WatchedBlocks&) = delete;
   WatchedBlocks& operator=(const WatchedBlocks&) = delete;

@@ -27,7 +27,6 @@ struct Observation {
   std::string outcome;
   std::string kept;
   std::string state;
-  std::string keptBefore;
   std::string outcomeAgain;  // of a second call, with all memory
   std::string stateAgain;
 };
@@ -56,10 +55,6 @@ std::string actFailing(Situation& situation, Failing failing, Observation& seen)
 void observe(const Scenario& scenario, Failing failing, Observation& seen) {
   const std::unique_ptr<Situation> situation = scenario.make();
   {
-    const WatchPause pause;
-    seen.keptBefore = scenario.make()->kept();
-  }
-  {
     const std::string thrown = actFailing(*situation, failing, seen);
     const WatchPause pause;
     seen.outcome = thrown.empty() ? situation->outcome() : thrown;
@@ -73,9 +68,9 @@ void observe(const Scenario& scenario, Failing failing, Observation& seen) {
   seen.stateAgain = situation->state();
 }
 
-/// One run and what it left behind.
-Observation run(const Scenario& scenario, Failing failing, bool traced,
-                std::vector<Block>& left) {
+/// One run and what it left behind, traced where it is like something in `traced`.
+Observation run(const Scenario& scenario, Failing failing,
+                const std::vector<Block>& traced, std::vector<Block>& left) {
   Observation seen;
   WatchedBlocks watched(traced);
   observe(scenario, failing, seen);
@@ -123,17 +118,15 @@ void count(const Scenario& scenario, const std::string& outcome, Tally& tally) {
 }
 
 /// What is wrong with a run; "" for nothing.
-std::string judge(const Scenario& scenario, const Observation& whole,
-                  const Observation& seen, Tally& tally) {
+std::string judge(const Scenario& scenario, const std::string& keptBefore,
+                  const Observation& whole, const Observation& seen, Tally& tally) {
   if (seen.outcome == whole.outcome) {
     ++tally.coped;
     return seen.state == whole.state ? "" : "leaves " + seen.state;
   }
   if (!isPromised(scenario, seen.outcome)) return "gives " + seen.outcome;
   count(scenario, seen.outcome, tally);
-  if (seen.kept != seen.keptBefore) {
-    return "changes " + seen.keptBefore + " to " + seen.kept;
-  }
+  if (seen.kept != keptBefore) return "changes " + keptBefore + " to " + seen.kept;
   if (seen.outcomeAgain != whole.outcome) return "then gives " + seen.outcomeAgain;
   if (seen.stateAgain != whole.state) return "then leaves " + seen.stateAgain;
   return "";
@@ -150,11 +143,12 @@ std::string Tally::describe() const {
 
 void tryScenario(const Scenario& scenario, Tally& tally, Leaks& leaks,
                  const std::function<void(const std::string&)>& report) {
+  const std::string keptBefore = scenario.make()->kept();
   std::vector<Block> left;
-  run(scenario, {0, false}, false, left);  // what is made once in a process is made now
-  const Observation whole = run(scenario, {0, false}, false, left);
+  run(scenario, {0, false}, {}, left);  // what is made once in a process is made now
+  const Observation whole = run(scenario, {0, false}, {}, left);
   if (!left.empty()) {
-    run(scenario, {0, false}, true, left);
+    run(scenario, {0, false}, left, left);
     leaks.add(left, scenario.name() + ", nothing failing");
   }
   tally.functions.insert(scenario.function);
@@ -162,13 +156,13 @@ void tryScenario(const Scenario& scenario, Tally& tally, Leaks& leaks,
   for (const bool andLater : {false, true}) {
     for (std::size_t nth = scenario.first;; nth += scenario.step) {
       const Failing failing{nth, andLater};
-      const Observation seen = run(scenario, failing, false, left);
+      const Observation seen = run(scenario, failing, {}, left);
       if (seen.failures == 0) break;
       ++tally.trials;
-      const std::string objection = judge(scenario, whole, seen, tally);
+      const std::string objection = judge(scenario, keptBefore, whole, seen, tally);
       if (!objection.empty()) report(failing.describe() + ": " + objection);
       if (left.empty()) continue;
-      run(scenario, failing, true, left);
+      run(scenario, failing, left, left);
       leaks.add(left, scenario.name() + ", " + failing.describe());
     }
   }

@@ -12,10 +12,10 @@ COMMIT_LIMIT_SECONDS = 900
 
 # Their shares of the executions, so that each takes about as long as the others.
 FUZZERS = {
-    "fuzz_result": (0.18, 1024),
+    "fuzz_result": (0.15, 1024),
     "fuzz_result_messages": (0.05, 512),
-    "fuzz_response": (0.47, 512),
-    "fuzz_utf16": (0.3, 128),
+    "fuzz_response": (0.50, 512),
+    "fuzz_utf16": (0.30, 64),
 }
 FUZZER_OPTIONS = (
     "-entropic=0",  # choosing inputs would take longer than running them
@@ -271,7 +271,7 @@ PROMISES = [
     Promise(
         11,
         "Tests reach all functions and lines and 98 % of the branches",
-        (),
+        (("coverage", "all"),),
         lambda tier: "all tests",
         lambda tier: [script(11, "coverage")],
         only_text,
@@ -287,7 +287,7 @@ PROMISES = [
     Promise(
         13,
         "Two compilers, clang-tidy and cppcheck have nothing to say; hardened, tests pass",
-        (),
+        (("clang", "all"), ("torture", "all")),
         lambda tier: "all sources",
         lambda tier: [script(13, "check-static")],
         only_text,

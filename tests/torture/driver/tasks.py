@@ -9,6 +9,9 @@ import threading
 import time
 
 TAIL_LINES = 15
+# Where a block was allocated is told in full by a replay; here it would take a tenth of
+# the time.
+ENVIRONMENT = {"ASAN_OPTIONS": "malloc_context_size=2"}
 
 
 @dataclasses.dataclass
@@ -114,7 +117,7 @@ class Runner:
         start = time.monotonic()
         process = subprocess.Popen(
             list(map(str, task.command)),
-            env={**os.environ, **task.environment},
+            env={**os.environ, **ENVIRONMENT, **task.environment},
             stdin=subprocess.DEVNULL,
             stdout=subprocess.PIPE,
             stderr=subprocess.STDOUT,
