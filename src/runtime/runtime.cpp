@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: MIT
 // Exported: initialisation and the function table.
 #include <cstddef>
+#include <cstdio>
 #include <exception>
 #include <memory>
 #include <stdexcept>
+#include <utility>
 
 #include "http/qx_http_client.h"
 #include "orb/qxorbclient.h"
@@ -26,9 +28,10 @@ static_assert(offsetof(orbErrorInfo, details.http.responseMessage) == 24);
 static_assert(offsetof(orbErrorInfo, details.kaldex.stackDepth) == 40);
 static_assert(sizeof(orbStackFrame) == 24);
 
-std::unique_ptr<orbClientRuntime> table;
-std::exception_ptr initializationFailure;  // keeps the text below alive
-const char* initializationMessage = "";
+// Without destructors: exit handlers, and threads that run on while a program exits, use
+// them still.
+orbClientRuntime* table = nullptr;
+char initializationMessage[128] = "";
 
 template <auto operation>
 constexpr auto forwarderTo = &orb::ConfigForwarder<operation>::call;
@@ -82,15 +85,15 @@ std::unique_ptr<orbClientRuntime> makeTable(uint32_t version) {
 }  // namespace
 
 orbClientRuntime* orbInitializeEx(uint32_t version) {
-  if (!table) {
+  if (table == nullptr) {
     try {
-      table = makeTable(version);
+      table = makeTable(version).release();
     } catch (const std::exception& failure) {
-      initializationFailure = std::current_exception();
-      initializationMessage = failure.what();
+      std::snprintf(initializationMessage, sizeof initializationMessage, "%s",
+                    failure.what());
     }
   }
-  return table.get();
+  return table;
 }
 
 orbClientRuntime* orbInitialize(void) { return orbInitializeEx(ORB_CLIENT_1_0); }
@@ -98,9 +101,8 @@ orbClientRuntime* orbInitialize(void) { return orbInitializeEx(ORB_CLIENT_1_0); 
 const char* orbGetInitializationErrorMessage(void) { return initializationMessage; }
 
 void orbTerminate(void) {
-  if (!table) return;
-  table.reset();
+  if (table == nullptr) return;
+  delete std::exchange(table, nullptr);
   orb::QXHttpClient::cleanUpGlobally();
-  initializationFailure = nullptr;
-  initializationMessage = "";
+  initializationMessage[0] = '\0';
 }

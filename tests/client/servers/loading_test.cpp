@@ -2,6 +2,11 @@
 // A program that is not linked to the library, and loads it again and again.
 #include <dlfcn.h>
 #include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <string>
 
 #include "client/servers/front_end.h"
 #include "orb/qxorbclient.h"
@@ -50,6 +55,38 @@ TEST(Library, IsLoadedAndUnloadedAThousandTimes) {
   for (int i = 1; i <= 1000; ++i) {
     ASSERT_EQ(loadCallUnload(backend.url("mtimes"), i), 2.0 * i);
   }
+}
+
+constexpr int kServed = 7;
+void* loaded = nullptr;
+
+/// Runs when the library's own handlers have run, since it was registered before them.
+void serveExit() {
+  orbClientRuntime* table =
+      find<decltype(orbInitializeEx)>(loaded, "orbInitializeEx")(ORB_CLIENT_1_1);
+  orbClientConfig* config = nullptr;
+  const bool isMade = table->createConfig(&config) == ORB_OK;
+  table->destroyConfig(config);
+  const std::string message = find<decltype(orbGetInitializationErrorMessage)>(
+      loaded, "orbGetInitializationErrorMessage")();
+  find<decltype(orbTerminate)>(loaded, "orbTerminate")();
+  ::_exit(isMade && message == "Invalid version number." ? kServed : 1);
+}
+
+TEST(Library, ServesHandlersOfAnExitingProgram) {
+  const pid_t child = ::fork();
+  if (child == 0) {
+    std::atexit(&serveExit);
+    loaded = ::dlopen(QXORBCLIENT_PATH, RTLD_NOW | RTLD_LOCAL);
+    const auto initialize = find<decltype(orbInitializeEx)>(loaded, "orbInitializeEx");
+    initialize(0);
+    initialize(ORB_CLIENT_1_1);
+    std::exit(0);
+  }
+  int status = 0;
+  ASSERT_EQ(::waitpid(child, &status, 0), child);
+  ASSERT_TRUE(WIFEXITED(status));
+  EXPECT_EQ(WEXITSTATUS(status), kServed);
 }
 
 }  // namespace
