@@ -95,8 +95,8 @@ bool isArray(Slice bytes, int nesting);
 // checks.
 bool isContainerPayload(int payloadField, Slice bytes, int nesting) {
   const bool isStruct = payloadField == KALDEX_Array::kStructFieldNumber;
-  const uint32_t nameTag = isStruct ? tagOf(1, kLengthDelimited) : 0;
-  const uint32_t elementTag = tagOf(isStruct ? 2 : 1, kLengthDelimited);
+  const uint32_t nameTag = tagOf(1, kLengthDelimited);
+  const uint32_t elementTag = isStruct ? tagOf(2, kLengthDelimited) : nameTag;
   Reader reader(bytes);
   bool inElements = false;
   while (!reader.atEnd()) {

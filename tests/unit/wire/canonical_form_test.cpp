@@ -103,6 +103,8 @@ INSTANTIATE_TEST_SUITE_P(
         Row{"an imaginary part of logicals", "\x08\x0A\xD2\x01\x03\x12\x01\x01", false},
         Row{"an imaginary part of chars", "\x08\x0B\xDA\x01\x03\x12\x01\x01", false},
         Row{"cells that end inside a tag", "\x08\x0D\xE2\x01\x01\x80", false},
+        Row{"a field 0 in cells", "\x08\x0D\xE2\x01\x03\x00\x01\x41"s, false},
+        Row{"a field 0 in a struct", "\x08\x0C\xEA\x01\x03\x00\x01\x41"s, false},
         Row{"the greatest tag there is",
             "\x08\x09\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\x01", false},
         Row{"cells 40 deep", nestedCells(40), true},
