@@ -36,9 +36,8 @@ class DenseFormFinder {
       DenseForm found{message_, kPayloadField<T>, listOf(payload.elements()), kNone};
       if constexpr (kIsNumeric<T>) found.imag = listOf(payload.imag_elements());
       const size_t size = found.payloadSize();
-      const bool isAll =
-          payload.ByteSizeLong() == size &&
-          holdsOnlyHeadAnd(message_, Payload<T>::isIn(message_), kPayloadField<T>, size);
+      const bool isAll = Payload<T>::isIn(message_) && payload.ByteSizeLong() == size &&
+                         holdsOnlyHeadAnd(message_, true, kPayloadField<T>, size);
       if (isAll) form.emplace(found);
     }
   }

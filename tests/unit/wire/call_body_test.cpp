@@ -209,6 +209,20 @@ TEST(CallBody, WithoutInputsIsTheNumberOfOutputs) {
   EXPECT_EQ(body.data()[1], 0x00);
 }
 
+// Extents alone take it above the size from which lists are lent.
+TEST(CallBody, GivesNoPayloadToAnArrayWithoutElements) {
+  std::vector<size_t> extents(70000, 1);
+  extents[0] = 0;
+  for (const int classid : {orbUINT8_CLASS, orbINT32_CLASS, orbDOUBLE_CLASS}) {
+    const UniqueHandle array(orbCreateNumericArray(extents.size(), extents.data(),
+                                                   orbClassID(classid), orbREAL));
+    const UniqueHandle cell(orbCreateCellMatrix(1, 1));
+    orbSetCell(cell.get(), 0, array.get());
+    EXPECT_EQ(encoded({array.get()}), reference({array.get()}));
+    EXPECT_EQ(encoded({cell.get()}), reference({cell.get()}));
+  }
+}
+
 TEST(CallBody, SendsLargeElementsThatNoArrayCouldBe) {
   KALDEX_Array ofAnotherType;
   ofAnotherType.set_type(KALDEX_Array::OBJECT);
