@@ -75,7 +75,8 @@ class WireArrayReader {
   bool readStored() {
     Slice payload{};
     SharedMessage message = readUpToPayload<T>(payload);
-    if (!message) return false;
+    // Without a payload, reading lists would give the message an empty one.
+    if (!message || payload.size == 0) return false;
     auto& lists = Payload<T>::in(*message);
     wire::Reader reader(payload);
     if (!readStoredField(1, reader, *lists.mutable_elements())) return false;

@@ -170,6 +170,21 @@ TEST(ReadOutputs, GivesWhatParsingGivesForHugeLists) {
   }
 }
 
+TEST(ReadOutputs, GivesHugeArraysNoPayloadThatTheyDoNotHave) {
+  for (const bool hasEmptyPayload : {false, true}) {
+    client::KALDEX_Result result;
+    KALDEX_Array& array = *result.add_lhs();
+    array.set_type(KALDEX_Array::DOUBLE);
+    array.mutable_uint8()->set_elements(std::string(size_t{4} << 20, 'x'));
+    if (hasEmptyPayload) array.mutable_qxdouble();
+    const std::string body = result.SerializeAsString();
+    std::vector<UniqueHandle> outputs;
+    ASSERT_TRUE(readOutputs(sliceOf(body), INT_MAX, 1, outputs));
+    EXPECT_EQ(messageOf(outputs[0].get()).has_qxdouble(), hasEmptyPayload);
+    EXPECT_EQ(messageOf(outputs[0].get()).uint8().elements(), array.uint8().elements());
+  }
+}
+
 /// Type DOUBLE, unless something else is asked for, and these bytes of payload, in a body.
 std::string bodyWithPayload(const std::string& payload,
                             const std::string& before = "\x08\x09") {
