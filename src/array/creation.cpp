@@ -25,7 +25,7 @@ using Extents = std::vector<uint64_t>;
 Extents normalised(size_t ndim, const size_t* dims) {
   if (ndim == 0) return {0, 0};
   if (ndim == 1) return {dims[0], 1};
-  return Extents(dims, dims + ndim);
+  return Extents(dims, dims + orb::checkedInt32(ndim));
 }
 
 uint64_t product(const Extents& extents) {

@@ -105,6 +105,18 @@ TEST(PositiveOverflow, DoesNotMeetTheLargestMatrixExtent) {
               ElementsAre(0, 2147483647));
 }
 
+// The list is not read: nothing could hold it.
+TEST(PositiveOverflow, LeavesACreatorOfMoreExtentsThanAMessageHolds) {
+  const size_t dims[] = {1, 1};
+  EXPECT_THAT([&] { orbCreateNumericArray(kAboveInt32, dims, orbUINT8_CLASS, orbREAL); },
+              throwsPositiveOverflow());
+  EXPECT_THAT([&] { orbCreateLogicalArray(SIZE_MAX, dims); }, throwsPositiveOverflow());
+  EXPECT_THAT([&] { orbCreateCharArray(kAboveInt32, dims); }, throwsPositiveOverflow());
+  EXPECT_THAT([&] { orbCreateCellArray(kAboveInt32, dims); }, throwsPositiveOverflow());
+  EXPECT_THAT([&] { orbCreateStructArray(kAboveInt32, dims, 0, nullptr); },
+              throwsPositiveOverflow());
+}
+
 TEST(LengthError, LeavesACreatorOfASizeThatNoMemoryCouldHold) {
   const size_t dims[] = {SIZE_MAX};
   const char* fields[] = {"f"};
