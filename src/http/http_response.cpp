@@ -5,6 +5,7 @@
 #include <boost/algorithm/string/trim.hpp>
 #include <boost/lexical_cast.hpp>
 #include <cstring>
+#include <new>
 #include <utility>
 
 namespace orb {
@@ -49,20 +50,24 @@ bool HttpResponse::appendBody(const void* bytes, size_t length) {
 }
 
 void HttpResponse::addHeader(const std::string& line) {
-  headers_.push_back(line);
-  if (headers_.size() == 1) reasonPhrase_ = reasonPhraseOf(line);
+  if (!std::exchange(hasStatusLine_, true)) reasonPhrase_ = reasonPhraseOf(line);
   if (line.find(kContentLength) != std::string::npos) {
     announcedLength_ = announcedLengthIn(line);
   }
 }
 
 // The announced length, at most the limit here, is taken at once, and not trusted
-// further: what comes beyond it grows the block by half.
+// further: what comes beyond it grows the block by half. Where there is no memory for so
+// much, what has come may still fit.
 void HttpResponse::reserve(size_t size) {
   const size_t capacity = block_->capacity();
   if (size <= capacity) return;
-  block_->reserve(std::max({size, size_t{announcedLength_}, capacity + capacity / 2}),
-                  bodySize_);
+  try {
+    block_->reserve(std::max({size, size_t{announcedLength_}, capacity + capacity / 2}),
+                    bodySize_);
+  } catch (const std::bad_alloc&) {
+    block_->reserve(size, bodySize_);
+  }
 }
 
 }  // namespace orb

@@ -5,7 +5,6 @@
 #include <boost/make_shared.hpp>
 #include <boost/shared_ptr.hpp>
 #include <string>
-#include <vector>
 
 #include "http/byte_block.h"
 #include "http/qx_client.h"
@@ -38,10 +37,10 @@ class HttpResponse : public Response {
   void reserve(size_t size);
 
   uint32_t statusCode_ = 0;
+  bool hasStatusLine_ = false;
   std::string reasonPhrase_;
   boost::shared_ptr<ByteBlock> block_;
   uint64_t bodySize_ = 0;
-  std::vector<std::string> headers_;
   uint64_t announcedLength_ = 0;  // 0 until a server announces one: never refused
   uint32_t sizeLimitBytes_;
 };

@@ -255,6 +255,18 @@ TEST(AppendBody, GrowsTheBlockAtMostOnceAChunk) {
   EXPECT_THAT(watched.sizes, ElementsAre(3, 4, 9));
 }
 
+TEST(AppendBody, TakesWhatHasComeWhereTheAnnouncedLengthDoesNotFit) {
+  HttpResponse response(100);
+  response.addHeader("HTTP/1.1 200 OK\r\n");
+  response.addHeader("Content-Length: 100\r\n");
+  WatchedRealloc watched;
+  watched.failingSize = 100;
+  EXPECT_TRUE(response.appendBody("abc", 3));
+  EXPECT_TRUE(response.appendBody("de", 2));
+  EXPECT_EQ(bodyOf(response), "abcde");
+  EXPECT_THAT(watched.sizes, ElementsAre(3, 5));
+}
+
 TEST(AppendBody, KeepsWhatItHasWhenTheBlockCannotGrow) {
   HttpResponse response(0);
   response.appendBody("abc", 3);
