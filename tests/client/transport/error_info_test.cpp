@@ -98,9 +98,15 @@ TEST_F(ErrorInfo, FilledTwiceHasTwoStacks) {
   callFor(threeFrames_);
   orbErrorInfo first = info();
   orbErrorInfo second = info();
-  EXPECT_NE(first.details.kaldex.stack, second.details.kaldex.stack);
+  ASSERT_EQ(first.details.kaldex.stackDepth, 3u);
+  ASSERT_EQ(second.details.kaldex.stackDepth, 3u);
+  ASSERT_NE(first.details.kaldex.stack, second.details.kaldex.stack);
+  for (size_t i = 0; i < 3; ++i) {
+    EXPECT_STREQ(first.details.kaldex.stack[i].file, second.details.kaldex.stack[i].file);
+    EXPECT_STREQ(first.details.kaldex.stack[i].name, second.details.kaldex.stack[i].name);
+    EXPECT_EQ(first.details.kaldex.stack[i].line, second.details.kaldex.stack[i].line);
+  }
   destroy(first);
-  ASSERT_NE(second.details.kaldex.stack, nullptr);
   EXPECT_STREQ(second.details.kaldex.stack[1].file, "g.k");
   EXPECT_EQ(second.details.kaldex.stack[1].line, -3);
   destroy(second);

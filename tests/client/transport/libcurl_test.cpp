@@ -9,6 +9,7 @@
 namespace orb::test {
 namespace {
 
+using ::testing::Contains;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
@@ -70,6 +71,20 @@ TEST_F(Libcurl, IsGivenEveryTextThatIsSet) {
                   "SSLKEY client.key", "KEYPASSWD open sesame", "CAINFO authority.pem",
                   "CRLFILE revoked.crl", "SSL_VERIFYHOST 0", "SSL_VERIFYPEER 0",
                   "SSL_SESSIONID_CACHE 0"));
+}
+
+// libcurl counts milliseconds in 31 bits, and would take more for no limit.
+TEST_F(Libcurl, IsGivenTheLongestTimeOutThatItTakes) {
+  for (const auto& [seconds, given] : {std::pair{uint64_t{2147483}, "TIMEOUT 2147483"},
+                                       std::pair{uint64_t{2147484}, "TIMEOUT 2147483"},
+                                       std::pair{UINT64_MAX, "TIMEOUT 2147483"}}) {
+    libcurlSeam() = {};
+    table_.setTimeoutSec(config_, seconds);
+    ASSERT_EQ(createContext(), ORB_OK);
+    EXPECT_THAT(libcurlSeam().options, Contains(given));
+    table_.destroyContext(context_);
+    context_ = nullptr;
+  }
 }
 
 TEST_F(Libcurl, IsGivenEachTextByItself) {

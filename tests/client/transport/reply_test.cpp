@@ -305,6 +305,17 @@ TEST_F(ResponseSizeLimit, OfTwoToThe31stAndMoreReadsNothing) {
   }
 }
 
+TEST_F(ResponseSizeLimit, ThatCutsAnErrorOffLosesIt) {
+  const std::string error = wire::error("lost", "a:b", {});
+  for (const std::uint32_t limitBytes : {0U, 0x80000000U}) {
+    SCOPED_TRACE(limitBytes);
+    std::vector<Array> none;
+    EXPECT_EQ(callWith(limitBytes, wire::chunkedReply(error), none), success());
+    std::vector<Array> one(1);
+    EXPECT_EQ(callWith(limitBytes, wire::chunkedReply(error), one), countMismatch(0, 1));
+  }
+}
+
 TEST_F(ResponseSizeLimit, BelowTwoToThe31stReadsAll) {
   std::vector<Array> outputs(2);
   EXPECT_EQ(callWith(0x7FFFFFFF, wire::reply(body_), outputs), success());

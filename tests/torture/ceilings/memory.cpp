@@ -49,6 +49,19 @@ Need measure(const std::string& url, const Body& body) {
   return need;
 }
 
+std::string replyOf(Framing framing, const std::string& bytes) {
+  switch (framing) {
+    case Framing::kAnnounced:
+      return test::wire::reply(bytes);
+    case Framing::kChunked:
+      return test::wire::chunkedReply(bytes);
+    case Framing::kTrailer:
+      break;
+  }
+  std::string reply = test::wire::chunkedReply(test::wire::result({""}));
+  return reply.insert(reply.size() - 2, bytes);
+}
+
 double perByte(std::size_t bytes, const Body& body) {
   return static_cast<double>(bytes) / static_cast<double>(body.bytes.size());
 }
@@ -74,9 +87,7 @@ int run(int argc, char** argv) {
   for (; run.wants(done); ++done) {
     const Shape& shape = shapes()[(run.seed() - 1 + done) % shapes().size()];
     const Body body = shape.make(kBodyBytes);
-    test::ScriptedServer server(
-        {test::send(shape.isAnnounced ? test::wire::reply(body.bytes)
-                                      : test::wire::chunkedReply(body.bytes))});
+    test::ScriptedServer server({test::send(replyOf(shape.framing, body.bytes))});
     const std::string url = server.url();
     const std::optional<Need> need = inChild([&] { return measure(url, body); });
     if (need) {

@@ -168,7 +168,8 @@ const std::vector<Shape>& shapes() {
       {"int64 not packed", unpacked(wire::kInt64, 1), 14.4, 14.4},
       {"single", dense(wire::kSingle, wire::littleEndian(1u)), 2.2, 2.2},
       {"double", dense(wire::kDouble, wire::doubles({1})), 2.2, 2.2},
-      {"double, in chunks", dense(wire::kDouble, wire::doubles({1})), 2.3, 2.3, false},
+      {"double, in chunks", dense(wire::kDouble, wire::doubles({1})), 2.3, 2.3,
+       Framing::kChunked},
       {"logical", dense(wire::kLogical, "\1"), 4.4, 4.4},
       {"char of 1 byte", dense(wire::kChar, "x"), 3.3, 4.4},
       {"char of 3 bytes", dense(wire::kChar, wire::varint(0x20AC)), 2.2, 5.5},
@@ -198,6 +199,11 @@ const std::vector<Shape>& shapes() {
       {"shared arrays of nothing",
        fields(kSharedData, wire::bytes(3, wire::bytes(1, ""))), 83, 83},
       {"frames of an error", frames, 50, 59},
+      {"trailer lines",
+       [](std::size_t bytes) {
+         return Body{repeated("a:\r\n", bytes), 1};
+       },
+       50, 50, Framing::kTrailer},
   };
   return all;
 }

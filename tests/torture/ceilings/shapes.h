@@ -16,6 +16,10 @@ struct Body {
   std::uint32_t outputs;  // that a call has to want
 };
 
+/// How the bytes travel: as a body with its length or in a chunk, or as the lines behind
+/// the last chunk of a small reply.
+enum class Framing { kAnnounced, kChunked, kTrailer };
+
 struct Shape {
   std::string name;
   /// Gives a body of about this many bytes.
@@ -24,7 +28,7 @@ struct Shape {
   /// receives, and while it receives and then reads every element.
   double receivingCeiling;
   double readingCeiling;
-  bool isAnnounced = true;  // by a Content-Length line
+  Framing framing = Framing::kAnnounced;
 };
 
 const std::vector<Shape>& shapes();
