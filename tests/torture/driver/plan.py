@@ -12,10 +12,10 @@ COMMIT_LIMIT_SECONDS = 900
 
 # Their shares of the executions, so that each takes about as long as the others.
 FUZZERS = {
-    "fuzz_result": (0.15, 1024),
-    "fuzz_result_messages": (0.05, 512),
-    "fuzz_response": (0.50, 512),
-    "fuzz_utf16": (0.30, 64),
+    "fuzz_result": (0.08, 1024),
+    "fuzz_result_messages": (0.02, 512),
+    "fuzz_response": (0.40, 512),
+    "fuzz_utf16": (0.50, 64),
 }
 FUZZER_OPTIONS = (
     "-entropic=0",  # choosing inputs would take longer than running them
