@@ -22,8 +22,9 @@
  * least two dimensions; one that a server sent may have fewer, and may hold fewer
  * elements than its dimensions say. No function here reads past what is stored, but a
  * pointer such as orbGetPr() gives addresses only as many elements as there are: those
- * that the server sent, and, of two handles of one char or 16-bit array of which one was
- * resized, those that the other had.
+ * that the server sent; of two handles of one char or 16-bit array of which one was
+ * resized, those that the other had; after a resize that failed, those from before it; of
+ * a sparse array, orbGetNzmax() stored values.
  *
  * @par Classes
  * The class of an array never changes. A sparse array has the class of its values, double
@@ -47,6 +48,11 @@
  * it to feval() before the parent. A handle takes its view of the elements when it is
  * made: a grandchild changed through a handle of a handle reaches the root once each
  * level has been stored again.
+ *
+ * Extents and field names always live in the storage, while the values of such elements
+ * follow at the write-back: in between, parents and other handles see new names and
+ * extents with old values. So after orbAddField(), orbRemoveField() or a resize store an
+ * element again before anything else is done with its parent.
  *
  * @par Depth
  * A reply may nest cells and structs 49 deep; what lies deeper is not read, and the call
@@ -84,7 +90,8 @@
  * A C program cannot catch them; the C++ runtime then ends it with a message.
  *
  * @par Threads and processes
- * The library starts no threads and takes no locks. orbInitializeEx() and orbTerminate()
+ * The library takes no locks and starts no threads; libcurl starts one while it looks up
+ * a host name. orbInitializeEx() and orbTerminate()
  * are called from one thread while no other uses the library or libcurl. The table may be
  * used from every thread. A context serves one thread at a time; separate contexts may be
  * used at the same time. An array, and arrays that share storage with it, must not be
@@ -99,9 +106,10 @@
  * those it inherited, whose connections the parent goes on using, and leaves by exec or
  * _exit().
  *
- * libcurl honours the environment at every call: with `http_proxy` set (lower case; for
- * TLS `https_proxy`), calls go through that proxy, also those to this machine, unless
- * `no_proxy` lists the host.
+ * libcurl honours the environment at every call: with `http_proxy` set, for TLS
+ * `https_proxy`, for either `all_proxy`, calls go through that proxy, also those to this
+ * machine, unless `no_proxy` lists the host; all but the first count in capitals too.
+ * With `SSLKEYLOGFILE` set, libcurl appends the secrets of TLS connections to that file.
  *
  * Calls of a context share its connections, which are kept open. Over TLS, each new
  * connection makes the whole handshake: sessions are not resumed.
@@ -188,7 +196,10 @@ typedef struct orbErrorInfo {
     struct {
       /** The HTTP status. */
       uint32_t responseCode;
-      /** The reason phrase with its line ending; "" when the server sent none. */
+      /**
+       * The reason phrase of the first status line that came, with its line ending; ""
+       * when that has none. The first line may be an interim reply's or a TLS proxy's.
+       */
       const char* responseMessage;
     } http;
     /** For ORB_KALDEX_ERROR. */
@@ -257,7 +268,8 @@ typedef struct orbClientRuntime {
 
   /**
    * The longest time that one call may take, in seconds, connecting included; 0 is no
-   * limit. The transport counts up to 2147483 s (24 days): larger values are kept and act
+   * limit. Only the look-up of a host name is waited for, however long the system takes.
+   * The transport counts up to 2147483 s (24 days): larger values are kept and act
    * as that one. A time-out, like every setting, holds for the contexts created
    * afterwards.
    */
@@ -266,11 +278,13 @@ typedef struct orbClientRuntime {
 
   /**
    * The largest reply accepted, in bytes. A reply whose Content-Length line announces
-   * more fails the call before any of it is kept. One that announces nothing, or in other
-   * letters (content-length), is received whole and read up to the limit: the call may
-   * then succeed with an array that holds fewer elements than its dimensions say. A limit
-   * above 2147483647 lets nothing be read: every reply with outputs then fails as if it
-   * had none.
+   * more fails the call before any of it is kept; of all header lines in which
+   * "Content-Length" stands anywhere, the last counts. A reply that announces nothing, or
+   * in other letters (content-length), is received whole and read up to the limit: the
+   * call may then succeed with an array that holds fewer elements than its dimensions
+   * say, or, when no outputs were wanted, although the function raised an error. A limit
+   * above 2147483647 lets nothing be read: every reply is then one without outputs and
+   * without an error.
    */
   void (*setResponseSizeLimit)(orbClientConfig* config, uint32_t limitBytes);
   uint32_t (*getResponseSizeLimit)(orbClientConfig* config);
@@ -314,19 +328,23 @@ typedef struct orbClientRuntime {
    *
    * The call fails, with the reason in getLastErrorInfo(), for a status other than 200;
    * for an error that the function raised; and, as a generic error, for a transport
-   * failure, a null URL, a reply announced larger than the response size limit, a request
-   * above 2147483647 bytes, a number of outputs other than nlhs, an output of a type that
-   * a client cannot hold ("dispatch_on_QXType"), and memory running out. A context goes
-   * on working after every failure.
+   * failure, a null URL, a reply announced larger than the response size limit or with a
+   * length that is no number, a request or reply above 2147483647 bytes, a number of
+   * outputs other than nlhs, an output of a type that a client cannot hold
+   * ("dispatch_on_QXType"), and memory running out. A context goes on working after every
+   * failure.
    *
    * When a kept-alive connection ends before the first line of the reply is complete,
    * libcurl sends the POST again on a new one: a function may then run twice for one
    * call. An end by a reset may fail the call instead. On a new connection nothing is
    * sent again.
    *
-   * A damaged reply may make the message library write a line to stderr.
+   * A reply that is damaged or longer than the limit may make the message library write a
+   * line to stderr.
    *
-   * @param url  Address of the function, used as it is.
+   * @param url  Address of the function, given to libcurl as it is. libcurl takes out dot
+   *             segments and the fragment, takes a missing scheme for http, and sends a
+   *             user name and password as an Authorization line.
    * @param nlhs  Number of outputs wanted.
    * @param lhs  Receives nlhs arrays, owned by the caller. Filled from the last to the
    *             first; a call that fails leaves the slots alone, with one exception: when
@@ -364,11 +382,15 @@ typedef struct orbClientRuntime {
   void (*setClientPrivateKeyPassword)(orbClientConfig* config, const char* password);
   const char* (*getClientPrivateKeyPassword)(orbClientConfig* config);
 
-  /** PEM file with the CA certificates that server certificates are checked against. */
+  /**
+   * PEM file with the CA certificates that server certificates are checked against, in
+   * place of the system's file of them. The system's directory of CA certificates, where
+   * libcurl was built with one (Debian: /etc/ssl/certs), stays trusted beside it.
+   */
   void (*setServerCertFile)(orbClientConfig* config, const char* file);
   const char* (*getServerCertFile)(orbClientConfig* config);
 
-  /** PEM file with certificate revocation lists. */
+  /** PEM file with certificate revocation lists, one of every CA in a server's chain. */
   void (*setCRLFile)(orbClientConfig* config, const char* file);
   const char* (*getCRLFile)(orbClientConfig* config);
 
@@ -388,7 +410,8 @@ typedef struct orbClientRuntime {
  *                 whatever the version asked for: the first caller's version wins.
  * @return The table, owned by the library and valid until orbTerminate(); null on
  *         failure, with the reason in orbGetInitializationErrorMessage(): "Invalid
- *         version number." or "Global initialization of QXHttpClient failed".
+ *         version number.", "Global initialization of QXHttpClient failed", or, when
+ *         memory ends, "std::bad_alloc", which leaves libcurl initialised.
  */
 ORB_API orbClientRuntime* orbInitializeEx(uint32_t version);
 
@@ -397,7 +420,8 @@ ORB_API orbClientRuntime* orbInitialize(void);
 
 /**
  * Frees the table and cleans up libcurl. Does nothing without a table. Destroy contexts
- * before; arrays live on. The library may be initialised again.
+ * before; arrays live on. The library may be initialised again. Until it is called the
+ * table lasts, for exit handlers too.
  */
 ORB_API void orbTerminate(void);
 
@@ -425,9 +449,9 @@ ORB_API const char* orbGetInitializationErrorMessage(void);
  *      Every function here may throw std::bad_alloc, or std::length_error for a size that
  *      no memory could hold, and boost::numeric::positive_overflow, "bad numeric
  *      conversion: positive overflow", for more than 2147483647 elements (8-bit integer,
- *      struct, cell and sparse arrays have no such limit) and, where the two extents m
- *      and n are given, for either above 2147483647, of a sparse array for an n of
- *      2147483647 too. Nothing is left behind.
+ *      struct, cell and sparse arrays have no such limit), for more extents than that
+ *      and, where the two extents m and n are given, for either above 2147483647, of a
+ *      sparse array for an n of 2147483647 too. Nothing is left behind.
  * @{
  */
 
@@ -516,7 +540,8 @@ ORB_API orbArray orbCreateStructMatrix(size_t m, size_t n, int nfields,
  *
  * @param nzmax  Capacity for stored values, at most 2147483647; 0 is kept as 0.
  * @param flag  orbCOMPLEX gives the values an imaginary part. orbIsComplex() is then true
- *              when m*n is not 0.
+ *              when m*n is not 0. With an nzmax of 0 there is none, and orbSetNzmax()
+ *              makes none.
  */
 ORB_API orbArray orbCreateSparse(size_t m, size_t n, size_t nzmax, orbComplexity flag);
 
@@ -624,7 +649,7 @@ ORB_API size_t orbGetN(const orbArray a);
  *      boost::numeric::positive_overflow, "bad numeric conversion: positive overflow",
  *      for more than 2147483647 elements, struct fields counted; std::bad_alloc or
  *      std::length_error. Of a sparse array, for more than 2147483646 columns. The extent
- *      is then changed, and the elements are not.
+ *      is then changed, and the elements are not, or, when memory ends, partly.
  */
 ORB_API void orbSetM(orbArray a, size_t m);
 
@@ -636,7 +661,8 @@ ORB_API void orbSetN(orbArray a, size_t n);
  *
  * @param dims  The new extents; may be the array's own, from orbGetDimensions().
  * @param ndim  Their number; 1 gives dims[0]-by-1.
- * @return 0; 1 when ndim is 0, which changes nothing; when orbSetM() would throw
+ * @return 0; 1 when ndim is 0, which changes nothing; when ndim is above 2147483647, with
+ *         the extents gone and the elements as they were; when orbSetM() would throw
  *         positive_overflow, with the extents replaced and the elements as they were;
  *         when memory ends, with the extents replaced or gone and the elements as they
  *         were or partly resized.
@@ -652,13 +678,15 @@ ORB_API double orbGetScalar(const orbArray a);
 /**
  * @return The elements of a double array, or the stored values of a sparse double one;
  *         null for other classes, and when there are none. Valid until the array is
- *         resized or destroyed.
+ *         resized, by orbSetNzmax() too, or destroyed.
  */
 ORB_API double* orbGetPr(const orbArray a);
 
 /**
- * @return The imaginary parts, as orbGetPr(); null for a real array. A sparse array
- *         created complex without elements has them, though orbIsComplex() is false.
+ * @return The imaginary parts, as orbGetPr(); null for a real array, and for a complex
+ *         one that holds none: orbIsComplex() and orbCreateSparse() say which. A sparse
+ *         array created complex without elements has them, though orbIsComplex() is
+ *         false.
  */
 ORB_API double* orbGetPi(const orbArray a);
 
@@ -668,7 +696,10 @@ ORB_API double* orbGetPi(const orbArray a);
  */
 ORB_API void* orbGetData(const orbArray a);
 
-/** @return The imaginary parts, as orbGetData(); null for a real array. */
+/**
+ * @return The imaginary parts, as orbGetData() and orbGetPi(). Where a complex 16-bit
+ *         array was resized to no elements and back, what is written to them is not kept.
+ */
 ORB_API void* orbGetImagData(const orbArray a);
 
 /**
@@ -679,7 +710,7 @@ ORB_API char16_t* orbGetChars(const orbArray a);
 
 /**
  * @return The elements of a logical array, or the stored values of a sparse logical one;
- *         null for other classes, and when there are none.
+ *         null for other classes, and when there are none. Valid as orbGetPr().
  */
 ORB_API bool* orbGetLogicals(const orbArray a);
 
@@ -774,8 +805,9 @@ ORB_API void orbSetFieldByNumber(orbArray a, size_t index, int n, orbArray value
  *
  * @return The number of the field; of the one that exists when there is one with this
  *         name. -1, with the struct unchanged, when `name` is null, `a` is not a struct,
- *         memory ends, or `a` has elements and does not hold fields times elements
- *         values, being received so or changed through another handle.
+ *         memory ends, the values would be more than 2147483647, or `a` has elements and
+ *         does not hold fields times elements values: received so, changed through
+ *         another handle, or left so by a resize that failed.
  */
 ORB_API int orbAddField(orbArray a, const char* name);
 
@@ -827,9 +859,9 @@ ORB_API size_t orbGetNzmax(const orbArray a);
 
 /**
  * Changes the capacity for stored values: new row indices and values are 0, surplus ones
- * are cut off. The column starts stay as they are; keep them consistent. No effect when
- * `a` is not sparse or nzmax is above its number of elements. 0 is taken as 1, also where
- * the array has no elements.
+ * are cut off. Pointers to both become invalid. The column starts stay as they are; keep
+ * them consistent. No effect when `a` is not sparse or nzmax is above its number of
+ * elements. 0 is taken as 1, also where the array has no elements.
  *
  * @par Exceptions
  *      boost::numeric::positive_overflow, "bad numeric conversion: positive overflow",

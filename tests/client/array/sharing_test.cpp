@@ -251,6 +251,19 @@ TEST(AddField, ToAStoredStructShowsTheNameAtOnceAndTheValueWhenStoredAgain) {
   EXPECT_TRUE(orbIsEmpty(Array(orbGetField(elementOf(outer), 0, "b"))));
 }
 
+TEST(RemoveField, OfAStoredStructTakesTheNameAtOnceAndTheValueWhenStoredAgain) {
+  const Array inner = structOf({"a", "b"});
+  orbSetField(inner, 0, "a", doubleRow({1}));
+  orbSetField(inner, 0, "b", doubleRow({2}));
+  const Array outer(orbCreateCellMatrix(1, 1));
+  orbSetCell(outer, 0, inner);
+  orbRemoveField(inner, 0);
+  EXPECT_EQ(orbGetNumberOfFields(elementOf(outer)), 1);
+  EXPECT_EQ(orbGetScalar(Array(orbGetField(elementOf(outer), 0, "b"))), 1);
+  orbSetCell(outer, 0, inner);
+  EXPECT_EQ(orbGetScalar(Array(orbGetField(elementOf(outer), 0, "b"))), 2);
+}
+
 TEST(GetCell, GivesAGrandchildThatReachesTheRootOnlyWhenEachLevelIsStoredAgain) {
   const Array root = cellRow(cellRow(cellRow(doubleRow({1}))));
   const Array top = elementOf(root);

@@ -191,6 +191,14 @@ TEST_F(Received, SixteenBitElementsKeepTheirLow16Bits) {
                                        wire::varints({4464, 1}))));
 }
 
+TEST_F(Received, MatrixOfUint16HasItsSixValuesInColumns) {
+  const Array array = receive(wire::array(
+      wire::kUint16, {2, 3}, wire::elements(wire::varints({1, 2, 300, 65535, 7, 0}))));
+  EXPECT_EQ(orbGetM(array), 2U);
+  EXPECT_EQ(orbGetN(array), 3U);
+  EXPECT_THAT(elementsOf<std::uint16_t>(array), ElementsAre(1, 2, 300, 65535, 7, 0));
+}
+
 TEST_F(Received, MissingCharUnitsReadAsNul) {
   for (const Extents& extents :
        {Extents{1, 5}, Extents{kTwoToThe40th, 3}, Extents{3, 0xAAAAAAAAAAAAAAAC}}) {

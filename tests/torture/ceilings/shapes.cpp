@@ -203,7 +203,7 @@ const std::vector<Shape>& shapes() {
        [](std::size_t bytes) {
          return Body{repeated("a:\r\n", bytes), 1};
        },
-       50, 50, Framing::kTrailer},
+       17.6, 17.6, Framing::kTrailer},
   };
   return all;
 }
