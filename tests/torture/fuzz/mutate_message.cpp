@@ -91,6 +91,13 @@ std::string MessageMutator::text() {
   return result;
 }
 
+// A text behind a tag that no message has, or any bytes.
+std::string MessageMutator::junk() {
+  const std::string content = text();
+  const std::string tag(1, static_cast<char>(oneIn(2) ? below(4) : engine_()));
+  return tag + static_cast<char>(oneIn(4) ? engine_() : content.size()) + content;
+}
+
 Message& MessageMutator::anyInside(Message& message) {
   const std::vector<Message*> all = allInside(message);
   return *all[below(static_cast<uint32_t>(all.size()))];
@@ -167,6 +174,26 @@ void MessageMutator::addUnknown(Message& message) {
     default:
       fields.AddGroup(field)->AddVarint(field, number());
   }
+}
+
+void MessageMutator::damage(Message& message) {
+  Message& around = anyInside(message);
+  const auto& reflection = *around.GetReflection();
+  std::vector<const Field*> fields;
+  reflection.ListFields(around, &fields);
+  const auto holdsNone = [](const Field* field) {
+    return field->cpp_type() != Field::CPPTYPE_MESSAGE;
+  };
+  fields.erase(std::remove_if(fields.begin(), fields.end(), holdsNone), fields.end());
+  if (fields.empty()) return;
+  const Field& field = *fields[below(static_cast<uint32_t>(fields.size()))];
+  const std::unique_ptr<Message> part(field.is_repeated()
+                                          ? reflection.ReleaseLast(&around, &field)
+                                          : reflection.ReleaseMessage(&around, &field));
+  std::string bytes = part->SerializeAsString();
+  bytes.insert(oneIn(2) ? 0 : below(static_cast<uint32_t>(bytes.size()) + 1), junk());
+  // Written behind the known fields, as what was there mostly was.
+  reflection.MutableUnknownFields(&around)->AddLengthDelimited(field.number(), bytes);
 }
 
 void MessageMutator::cross(Message& message, const Message& other) {

@@ -18,6 +18,9 @@ class MessageMutator {
   void mutate(google::protobuf::Message& message);
   /// Puts a part of the other message in the place of one of the same kind.
   void cross(google::protobuf::Message& message, const google::protobuf::Message& other);
+  /// Puts bytes that no message is written as into one inside; the lengths around it stay
+  /// right.
+  void damage(google::protobuf::Message& message);
 
   /// A number below `bound`.
   uint32_t below(uint32_t bound) { return static_cast<uint32_t>(engine_() % bound); }
@@ -35,6 +38,7 @@ class MessageMutator {
 
   uint64_t number();
   std::string text();
+  std::string junk();
 
   std::mt19937_64 engine_;
 };

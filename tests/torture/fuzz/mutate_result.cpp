@@ -61,6 +61,7 @@ extern "C" size_t LLVMFuzzerCustomMutator(uint8_t* data, size_t size, size_t max
   if (mutator.oneIn(32)) return place(doubled(result, mutator), data, maxSize);
   if (mutator.oneIn(8)) addArray(result, mutator, seed);
   for (uint32_t left = 1 + mutator.below(4); left > 0; --left) mutator.mutate(result);
+  if (mutator.oneIn(8)) mutator.damage(result);
   return place(result.SerializeAsString(), data, maxSize);
 }
 

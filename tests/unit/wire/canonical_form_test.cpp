@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include "torture/fuzz/mutate_message.h"
 #include "unit/wire/random_array.h"
 
 namespace orb::test {
@@ -45,6 +46,17 @@ TEST(IsCanonicalArray, KeepsItsPromiseForDamagedBytes) {
   for (int i = 0; i < 2000; ++i) {
     const std::string bytes = random.array(random.oneIn(3)).SerializeAsString();
     for (int j = 0; j < 20; ++j) expectPromise(random.damaged(bytes));
+  }
+}
+
+// A single change of the bytes leaves the lengths around it wrong.
+TEST(IsCanonicalArray, KeepsItsPromiseForBytesDamagedInside) {
+  RandomArrays random(4);
+  torture::MessageMutator mutator(4);
+  for (int i = 0; i < 20000; ++i) {
+    KALDEX_Array message = random.array(false);
+    mutator.damage(message);
+    expectPromise(message.SerializeAsString());
   }
 }
 
