@@ -10,7 +10,6 @@
 #include <string>
 
 #include "support/scripted_server.h"
-#include "support/wire.h"
 #include "torture/ceilings/client.h"
 #include "torture/ceilings/counted_malloc.h"
 #include "torture/ceilings/in_child.h"
@@ -47,19 +46,6 @@ Need measure(const std::string& url, const Body& body) {
   const std::size_t after = heldBytes();
   need.left = after > before ? after - before : 0;
   return need;
-}
-
-std::string replyOf(Framing framing, const std::string& bytes) {
-  switch (framing) {
-    case Framing::kAnnounced:
-      return test::wire::reply(bytes);
-    case Framing::kChunked:
-      return test::wire::chunkedReply(bytes);
-    case Framing::kTrailer:
-      break;
-  }
-  std::string reply = test::wire::chunkedReply(test::wire::result({""}));
-  return reply.insert(reply.size() - 2, bytes);
 }
 
 double perByte(std::size_t bytes, const Body& body) {

@@ -208,6 +208,19 @@ const std::vector<Shape>& shapes() {
   return all;
 }
 
+std::string replyOf(Framing framing, const std::string& bytes) {
+  switch (framing) {
+    case Framing::kAnnounced:
+      return wire::reply(bytes);
+    case Framing::kChunked:
+      return wire::chunkedReply(bytes);
+    case Framing::kTrailer:
+      break;
+  }
+  std::string reply = wire::chunkedReply(wire::result({""}));
+  return reply.insert(reply.size() - 2, bytes);
+}
+
 Body nested(Nesting nesting, int depth) { return oneOutput(nestedArray(nesting, depth)); }
 
 Body nestedGroups(int depth) {

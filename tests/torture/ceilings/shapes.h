@@ -32,6 +32,7 @@ struct Shape {
 };
 
 const std::vector<Shape>& shapes();
+std::string replyOf(Framing framing, const std::string& bytes);
 
 /// A reply of one output: a number inside so many cells, or inside cells and structs by
 /// turns.

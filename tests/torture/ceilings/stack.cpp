@@ -46,7 +46,8 @@ std::vector<Case> usualCases() {
   for (const Shape& shape : shapes()) {
     const Body body = shape.make(kBodyBytes);
     const bool isTaken = body.outputs != 0;
-    cases.push_back({shape.name, wire::reply(body.bytes), body.outputs, isTaken, {}});
+    cases.push_back(
+        {shape.name, replyOf(shape.framing, body.bytes), body.outputs, isTaken, {}});
   }
   return cases;
 }
