@@ -19,7 +19,7 @@ def read_arguments():
     parser = argparse.ArgumentParser(prog="scripts/torture", description=__doc__)
     length = parser.add_mutually_exclusive_group()
     length.add_argument(
-        "--commit", action="store_true", help="about 10 minutes; the usual"
+        "--commit", action="store_true", help="about 15 minutes; the usual"
     )
     length.add_argument("--night", action="store_true", help="hours")
     length.add_argument("--minutes", type=int, metavar="N", help="about N minutes")
