@@ -405,8 +405,8 @@ DeadPort::~DeadPort() {
   for (const int socket : sockets_) ::close(socket);
 }
 
-std::string DeadPort::url() const {
-  return "http://127.0.0.1:" + std::to_string(port_) + "/f";
-}
+std::string DeadPort::address() const { return "127.0.0.1:" + std::to_string(port_); }
+
+std::string DeadPort::url() const { return "http://" + address() + "/f"; }
 
 }  // namespace orb::test

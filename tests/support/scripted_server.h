@@ -86,6 +86,8 @@ class DeadPort {
   DeadPort(const DeadPort&) = delete;
   DeadPort& operator=(const DeadPort&) = delete;
 
+  /// "127.0.0.1:40123"
+  std::string address() const;
   std::string url() const;
 
  private:

@@ -6,6 +6,7 @@
 #include <netinet/in.h>
 #include <stdlib.h>
 #include <sys/socket.h>
+#include <sys/time.h>
 #include <unistd.h>
 
 #include <filesystem>
@@ -29,6 +30,23 @@ void write(const std::string& path, const std::string& text) {
   std::ofstream file(path);
   file << text;
   if (!file.flush()) throw std::runtime_error("cannot write " + path);
+}
+
+/// Returns when a server has taken a connection off the listener and seen its end.
+void awaitServer(const Listener& listener) {
+  const int client = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+  const timeval patience{30, 0};
+  ::setsockopt(client, SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof patience);
+  sockaddr_in address = {};
+  address.sin_family = AF_INET;
+  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  address.sin_port = htons(listener.port());
+  char answer;
+  const bool isServed =
+      ::connect(client, reinterpret_cast<sockaddr*>(&address), sizeof address) == 0 &&
+      ::shutdown(client, SHUT_WR) == 0 && ::recv(client, &answer, 1, 0) >= 0;
+  ::close(client);
+  if (!isServed) throw std::runtime_error("no server on " + listener.address());
 }
 
 /// Starts a program that takes over the listener. Neither server prints an address, and
@@ -109,6 +127,8 @@ Nginx::Nginx(const std::string& server, const std::string& http,
             "env NGINX='" + std::to_string(listener.descriptor()) + ";' " + kNginx +
                 " -e stderr -p " + folder + " -c " + folder + "/nginx.conf",
             process_);
+  // It loses a signal that comes before, and stop() would wait for ever.
+  awaitServer(listener);
 }
 
 std::vector<std::string> Nginx::stopAndReadLog() {

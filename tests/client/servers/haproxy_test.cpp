@@ -76,11 +76,7 @@ struct StatusRow {
 TEST(BehindHaproxy, StatusAndReasonPhraseAreTold) {
   const Backend backend;
   ScriptedServer garbage({send("no HTTP at all\r\n\r\n"), close()});
-  std::string closed;
-  {
-    const Listener gone;
-    closed = gone.address();
-  }
+  const DeadPort closed(DeadPort::Answer::kRefusal);
   const Haproxy haproxy(
       "  http-request deny deny_status 413 if { path_beg /small/ } { req.body_size gt 9 "
       "}\n"
@@ -91,7 +87,7 @@ TEST(BehindHaproxy, StatusAndReasonPhraseAreTold) {
       "  default_backend compute",
       group("compute", backend.address()) +
           group("slow", backend.address(), "  timeout server 200ms\n") +
-          group("dead", closed, "  retries 0\n") +
+          group("dead", closed.address(), "  retries 0\n") +
           group("garbage", "127.0.0.1:" + std::to_string(garbage.port())) +
           "backend none\n");
   const StatusRow rows[] = {

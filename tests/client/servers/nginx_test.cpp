@@ -120,14 +120,10 @@ struct StatusRow {
 };
 
 TEST_F(BehindNginx, StatusAndReasonPhraseAreTold) {
-  std::string silent;
-  {
-    const Listener closed;
-    silent = closed.address();
-  }
+  const DeadPort closed(DeadPort::Answer::kRefusal);
   Nginx nginx(nginxPass("/") + nginxPass("/small/", "client_max_body_size 1000;") +
                   nginxPass("/slow/", "proxy_read_timeout 200ms;") +
-                  "location /dead/ { proxy_pass http://" + silent +
+                  "location /dead/ { proxy_pass http://" + closed.address() +
                   "/; }\nlocation /503/ { return 503; }\n"
                   "location /429/ { return 429; }\nlocation /301/ { return 301 /; }\n"
                   "location /204/ { return 204; }\n",

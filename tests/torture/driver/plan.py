@@ -8,7 +8,7 @@ from driver import memcheck, tasks
 ROOT = pathlib.Path(__file__).resolve().parents[3]
 BUILD = ROOT / "build"
 # A commit's check that takes longer than this hangs.
-COMMIT_LIMIT_SECONDS = 900
+COMMIT_LIMIT_SECONDS = 1800
 
 # Their shares of the executions, so that none takes more than twice as long as another.
 FUZZERS = {
@@ -175,16 +175,18 @@ def ceilings(tier):
     ]  # fmt: skip
 
 
-def script(promise, name, *arguments):
+def script(promise, tier, name, *arguments):
     command = (ROOT / "scripts" / name, *arguments)
-    return tasks.Task(f"{promise}-{name}", command, tasks.read_run, wide=True)
+    return tasks.Task(
+        f"{promise}-{name}", command, tasks.read_run, wide=True, limit=tier.limit
+    )
 
 
 def mutation(tier):
     arguments = ["--count", tier.counts[12], "--seed", tier.seed]
     if 12 in tier.seconds:
         arguments += ["--seconds", tier.seconds[12]]
-    return [script(12, "mutate", *arguments)]
+    return [script(12, tier, "mutate", *arguments)]
 
 
 PROMISES = [
@@ -273,7 +275,7 @@ PROMISES = [
         "Tests reach all functions and lines and 98 % of the branches",
         (("coverage", "all"),),
         lambda tier: "all tests",
-        lambda tier: [script(11, "coverage")],
+        lambda tier: [script(11, tier, "coverage")],
         only_text,
     ),
     Promise(
@@ -289,7 +291,7 @@ PROMISES = [
         "Two compilers, clang-tidy and cppcheck have nothing to say; hardened, tests pass",
         (("clang", "all"), ("torture", "all")),
         lambda tier: "all sources",
-        lambda tier: [script(13, "check-static")],
+        lambda tier: [script(13, tier, "check-static")],
         only_text,
     ),
 ]
