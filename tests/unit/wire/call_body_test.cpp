@@ -231,7 +231,12 @@ TEST(CallBody, SendsLargeElementsThatNoArrayCouldBe) {
   withUnknownField.set_type(KALDEX_Array::UINT8);
   const std::string payload = ofAnotherType.uint8().SerializeAsString() + "\x18\x01";
   ASSERT_TRUE(withUnknownField.mutable_uint8()->ParseFromString(payload));
-  for (const KALDEX_Array& element : {ofAnotherType, withUnknownField}) {
+  KALDEX_Array withASecondPayload;
+  withASecondPayload.set_type(KALDEX_Array::UINT8);
+  withASecondPayload.mutable_uint8()->set_elements(std::string(100000, 'x'));
+  withASecondPayload.mutable_qxdouble()->add_elements(1.5);
+  for (const KALDEX_Array& element :
+       {ofAnotherType, withUnknownField, withASecondPayload}) {
     auto cell = boost::make_shared<KALDEX_Array>();
     cell->set_type(KALDEX_Array::CELL);
     *cell->mutable_cell()->add_elements() = element;
