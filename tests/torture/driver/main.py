@@ -19,7 +19,7 @@ def read_arguments():
     parser = argparse.ArgumentParser(prog="scripts/torture", description=__doc__)
     length = parser.add_mutually_exclusive_group()
     length.add_argument(
-        "--commit", action="store_true", help="about 15 minutes; the usual"
+        "--commit", action="store_true", help="about 10 minutes; the usual"
     )
     length.add_argument("--night", action="store_true", help="hours")
     length.add_argument("--minutes", type=int, metavar="N", help="about N minutes")
@@ -80,6 +80,9 @@ def main():
     tier = tier_of(arguments, promises)
     work = {promise.number: promise.tasks(tier) for promise in promises}
     runner = tasks.Runner(folder)
+    for promise in promises:
+        if promise.prepare:
+            runner.prepare(promise.prepare)
     start = time.monotonic()
     try:
         outcomes = run_all(runner, [task for some in work.values() for task in some])

@@ -112,6 +112,16 @@ class Runner:
         with self._lock:
             print(text, flush=True)
 
+    def prepare(self, command):
+        """Before the clock starts; what is wrong will be seen by the task."""
+        start = time.monotonic()
+        name = " ".join(map(str, command))
+        self.say(f"  before that, {name} (minutes the first time) ...")
+        subprocess.run(
+            command, stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, check=False
+        )
+        self.say(f"  {name}: {time.monotonic() - start:.0f} s")
+
     def run(self, task):
         self.say(f"  {task.name} ...")
         start = time.monotonic()

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Every system call of a call fails, with eight errors, or moves one byte: the call gives
 // the right result or a reason, loses no descriptor, and the next one succeeds.
+//
+// An item is one way of calling with one fault.
 #include <unistd.h>
 
 #include <csignal>
@@ -49,7 +51,7 @@ int tryAll(Run& run) {
       run.finding(name + ", " + objection, replay);
     });
   }
-  if (done >= kScenarios) findWhatIsMissing(run, tally);
+  if (done >= kWays) findWhatIsMissing(run, tally);
   return run.finish(grouped(done) + " scenarios, " + grouped(tally.calls) +
                     " system calls that failed or moved one byte (" +
                     listOf(tally.functions) + "): " + grouped(tally.successes) +

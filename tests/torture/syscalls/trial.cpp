@@ -21,9 +21,9 @@ using test::Array;
 using test::Outcome;
 namespace wire = test::wire;
 
-constexpr int kFaults[] = {EINTR,  EAGAIN,    ECONNRESET,
-                           EPIPE,  ETIMEDOUT, ENOMEM,
-                           EMFILE, EIO,       FailingCalls::kOneByte};
+constexpr int kFaults[] = {
+    ECONNRESET, FailingCalls::kOneByte, EINTR, EAGAIN, EPIPE, ETIMEDOUT, ENOMEM, EMFILE,
+    EIO};
 constexpr std::size_t kLargeBytes = 300000;
 // A server keeps all its requests and connections until it ends.
 constexpr int kCallsOfServer = 20;
@@ -189,10 +189,9 @@ std::string Scenario::describe() const {
 }
 
 Scenario scenarioOf(std::size_t number) {
-  static_assert(kScenarios == 8 * std::size(kFaults));
-  const std::size_t way = number / std::size(kFaults);
-  return {(way & 1) != 0, (way & 2) != 0, (way & 4) != 0,
-          kFaults[number % std::size(kFaults)]};
+  static_assert(kScenarios == kWays * std::size(kFaults));
+  const std::size_t way = number % kWays;
+  return {(way & 1) != 0, (way & 2) != 0, (way & 4) != 0, kFaults[number / kWays]};
 }
 
 void tryScenario(const Scenario& scenario, Tally& tally,

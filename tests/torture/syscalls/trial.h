@@ -27,7 +27,10 @@ struct Scenario {
   std::string describe() const;
 };
 
-constexpr std::size_t kScenarios = 8 * 9;
+constexpr std::size_t kWays = 8;
+constexpr std::size_t kScenarios = kWays * 9;
+/// All ways with the first fault, a connection that is reset, then with the second, a
+/// single byte that is moved, then with the other errors.
 /// @param number  Below kScenarios.
 Scenario scenarioOf(std::size_t number);
 
