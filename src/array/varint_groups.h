@@ -30,8 +30,8 @@ struct GroupMove {
 
 /// A place in the table of moves; a group that is none has size 0.
 struct GroupShape {
-  uint8_t move = 0;
-  uint8_t size = 0;
+  uint8_t move;
+  uint8_t size;
 };
 
 namespace detail {

@@ -134,6 +134,14 @@ TEST(SparseFunctions, MakeAnAbsentPayloadPresent) {
   EXPECT_THAT(messageOf(sparse), IsMessage("type: SPARSE dimension: [2, 2] sparse { }"));
 }
 
+TEST(SparseFunctions, LeaveAnAbsentPayloadAbsentWhenMemoryEnds) {
+  const Array sparse = arrayOf("type: SPARSE dimension: [2, 2]");
+  FailingNew failing = FailingNew::at(1);
+  EXPECT_THROW(orbGetIr(sparse), std::bad_alloc);
+  failing.stop();
+  EXPECT_FALSE(messageOf(sparse).has_sparse());
+}
+
 TEST(SetNzmax, ResizesTheListsOfTheStoredType) {
   const struct {
     const char* before;

@@ -91,6 +91,14 @@ TYPED_TEST(PackedVarints, OfEveryCountAndMagnitudeAreTheMessageLibrarys) {
   }
 }
 
+// Whether all elements of a block take a byte each is told by the bits that any of them has.
+TYPED_TEST(PackedVarints, OfOneBitAreTheMessageLibrarys) {
+  for (int bit = 0; bit < 16; ++bit) {
+    const std::vector<TypeParam> elements(200, static_cast<TypeParam>(1u << bit));
+    this->expectSameAsMessageLibrary(elements);
+  }
+}
+
 #ifdef ORB_VARINT_GROUPS
 TEST(ReadGroups, GoesOnWhileABlockHasRoom) {
   if (!wire::hasVarintGroups()) GTEST_SKIP() << "not on this processor";
