@@ -2,12 +2,24 @@
 # SPDX-License-Identifier: MIT
 # The steps that the scripts share. The current folder is the top of the checkout.
 
+# For a script without arguments: given any, it says what it does, and ends.
+takesNoArguments() {
+  (($# == 0)) && return
+  sed -n '3,/^[^#]/s/^# //p' "scripts/$(basename "$0")"
+  exit 64
+}
+
 # Runs a command whose output is of interest only when it fails.
 step() {
-  local title=$1 start=$SECONDS output
+  local title=$1 start=$SECONDS output status
   shift
   printf '%s ... ' "$title"
-  if ! output=$("$@" 2>&1); then
+  # Where a failure is asked for, a function would go on behind a command that fails.
+  set +e
+  output=$(set -e && "$@" 2>&1)
+  status=$?
+  set -e
+  if ((status != 0)); then
     echo failed
     echo "$output" >&2
     exit 1
