@@ -19,7 +19,7 @@ class Count:
 
     @property
     def share(self):
-        return self.reached / self.all if self.all else 1.0
+        return self.reached / self.all if self.all else 0.0
 
     def __str__(self):
         return f"{self.reached:5} of {self.all:5} {100 * self.share:5.1f} %"

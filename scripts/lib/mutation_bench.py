@@ -9,6 +9,7 @@ import pathlib
 import shutil
 import signal
 import subprocess
+import threading
 import time
 
 COPIED = [
@@ -114,12 +115,14 @@ class History:
     def __init__(self, path):
         self._path = path
         self._kills = json.loads(path.read_text()) if path.exists() else {}
+        self._lock = threading.Lock()
         self.seconds = {}
 
     def killed(self, mutant, test):
         key = f"{mutant.file} {test.name}"
-        self._kills[key] = self._kills.get(key, 0) + 1
-        self._path.write_text(json.dumps(self._kills, indent=1) + "\n")
+        with self._lock:
+            self._kills[key] = self._kills.get(key, 0) + 1
+            self._path.write_text(json.dumps(self._kills, indent=1) + "\n")
 
     def rank(self, mutant, test):
         """Lower for what is more likely to kill the mutant, and sooner."""

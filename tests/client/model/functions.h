@@ -144,9 +144,12 @@ class Tally {
     if (effective) ++counts_[static_cast<size_t>(function)];
   }
   uint64_t of(Function function) const { return counts_[static_cast<size_t>(function)]; }
+  void addSequence() { ++sequences_; }
+  uint64_t sequences() const { return sequences_; }
 
  private:
   std::array<uint64_t, kFunctionNames.size()> counts_{};
+  uint64_t sequences_ = 0;
 };
 
 }  // namespace orb::model

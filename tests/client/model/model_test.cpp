@@ -88,6 +88,7 @@ bool allAgree(uint64_t firstSeed, uint64_t count, Tally& tally) {
   return holdsInChild(Output::kHidden, [&] {
     for (uint64_t seed = firstSeed; seed < firstSeed + count; ++seed) {
       if (!agree(sequenceOf(seed), tally)) return false;
+      tally.addSequence();
     }
     return true;
   });
@@ -154,6 +155,7 @@ TEST(ArrayFunctions, DoWhatTheModelDoes) {
   if (!allAgree(seed, sequences, tally.get())) {
     FAIL() << report(failingSeed(seed, sequences));
   }
+  std::cout << "sequences: " << tally.get().sequences() << std::endl;
   if (sequences < kSequencesForCoverage) return;
   for (size_t i = 0; i < kFunctionNames.size(); ++i) {
     EXPECT_GT(tally.get().of(static_cast<Function>(i)), 0U) << kFunctionNames[i];

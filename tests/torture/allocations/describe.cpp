@@ -63,6 +63,7 @@ std::string describeElements(orbArray a, std::size_t count) {
     const std::size_t stored = orbGetNzmax(a);
     writeBytes(out, orbGetIr(a), stored * sizeof(std::size_t));
     writeBytes(out, dataOf(a), stored * orbGetElementSize(a));
+    writeBytes(out, orbGetImagData(a), stored * orbGetElementSize(a));
   } else if (orbIsCell(a)) {
     for (std::size_t i = 0; i < count; ++i) writeElement(out, orbGetCell(a, i));
   } else if (orbIsStruct(a)) {

@@ -44,4 +44,5 @@ def tasks_of(build, tier):
                 limit=tier.limit,
             )
         )
+    assert found, "no test looks like one of a client"
     return found

@@ -7,8 +7,9 @@ from driver import memcheck, tasks
 
 ROOT = pathlib.Path(__file__).resolve().parents[3]
 BUILD = ROOT / "build"
-# A commit's check that takes longer than this hangs.
+# A check that takes longer than this hangs.
 COMMIT_LIMIT_SECONDS = 1800
+NIGHT_LIMIT_SECONDS = 4 * 3600
 
 # Their shares of the executions, so that none takes more than twice as long as another.
 FUZZERS = {
@@ -44,7 +45,9 @@ class Tier:
 
     @property
     def limit(self):
-        return 0 if self.night or self.seconds else COMMIT_LIMIT_SECONDS
+        if self.seconds:
+            return 0  # as long as the user said
+        return NIGHT_LIMIT_SECONDS if self.night else COMMIT_LIMIT_SECONDS
 
     def asked(self, promise, unit):
         if promise in self.seconds:
@@ -190,18 +193,21 @@ def ceilings(tier):
     ]  # fmt: skip
 
 
-def script(promise, tier, name, *arguments):
+def script(promise, tier, name, *arguments, least=1):
     command = (ROOT / "scripts" / name, *arguments)
     return tasks.Task(
-        f"{promise}-{name}", command, tasks.read_run, wide=True, limit=tier.limit
-    )
+        f"{promise}-{name}", command, tasks.read_run,
+        wide=True, least=least, limit=tier.limit,
+    )  # fmt: skip
 
 
 def mutation(tier):
-    arguments = ["--count", tier.counts[12], "--seed", tier.seed]
+    count = tier.counts[12]
+    arguments = ["--count", count, "--seed", tier.seed]
     if 12 in tier.seconds:
         arguments += ["--seconds", tier.seconds[12]]
-    return [script(12, tier, "mutate", *arguments)]
+    least = 1 if 12 in tier.seconds else count
+    return [script(12, tier, "mutate", *arguments, least=least)]
 
 
 PROMISES = [
@@ -326,5 +332,5 @@ def timed(minutes, chosen, seed):
         alone = share / 2 if one in WIDE else share
         seconds[one] = int(min(minutes * 60, max(10, alone)))
     # Each call through the proxy has a place in a log that is made at once.
-    endless = {one: 10**12 for one in NIGHT_COUNTS} | {6: 10**8}
+    endless = {one: 10**12 for one in NIGHT_COUNTS} | {6: 10**7}
     return Tier(basis, endless, seed, seconds)

@@ -96,7 +96,7 @@ def read_model(output, code):
     if seed:
         replay = f"replay: ORB_MODEL_SEQUENCES=1 {seed.group()} {program.group(1)}"
         reached.findings[0] += f"\n{replay}"
-    done = int(sequences.group(1)) if sequences and code == 0 else 0
+    done = int(sequences.group(1)) if sequences else 0
     return Reached(done, f"{done:,} sequences", reached.findings)
 
 
@@ -165,8 +165,6 @@ class Runner:
 
     def _collect(self, task, process):
         head = f"running: {' '.join(map(str, task.command))}\n"
-        if "ORB_MODEL_SEQUENCES" in task.environment:
-            head += f"sequences: {task.environment['ORB_MODEL_SEQUENCES']}\n"
         lines = [head]
         with open(self._folder / f"{task.name}.log", "w") as log:
             log.write(head)

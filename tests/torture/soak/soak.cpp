@@ -249,7 +249,7 @@ int Soak::run() {
   std::ostringstream text;
   text << grouped(done * kCallsPerCycle) << " calls";
   for (const auto& [what, count] : counts_) text << ", " << what << ' ' << grouped(count);
-  text << "; " << grouped(static_cast<std::uint64_t>(warm.blocks)) << " live blocks, "
+  text << "; " << grouped(static_cast<std::uint64_t>(start_.blocks)) << " live blocks, "
        << warm.descriptors << " descriptors, " << warm.bytes / 1024
        << " KiB resident before and at most " << mostBytes_ / 1024 << " KiB later";
   return run_.finish(text.str());
@@ -259,6 +259,8 @@ int Soak::run() {
 }  // namespace orb::torture
 
 int main(int argc, char** argv) {
+  // A finding's text would take a block, and the next cycle have one more.
+  std::setvbuf(stdout, nullptr, _IONBF, 0);
   orb::torture::installLastWords();
   orb::torture::Run run(argc, argv, 100000);
   return orb::torture::Soak(run).run();
