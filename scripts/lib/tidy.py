@@ -18,30 +18,32 @@ PROGRAM = "clang-tidy-14"
 
 
 def own_sources():
-    """The compiler's command for each file."""
+    """The compiler's commands for each file: a test may compile one its own way."""
     found = {}
     for entry in json.loads((BUILD / "compile_commands.json").read_text()):
         path = pathlib.Path(entry["file"])
         if any(path.is_relative_to(ROOT / folder) for folder in FOLDERS):
-            found[path] = entry
+            found.setdefault(path, []).append(entry)
     return found
 
 
-def fingerprint(entry):
-    """Of all that the compiler sees, and of the configuration."""
+def preprocessed(entry):
+    """All that the compiler sees."""
     command = shlex.split(entry["command"])
     # A launcher keeps what it has seen before, which preprocessing has no use for.
     command = [word for word in command if not word.endswith("ccache")]
     command[command.index("-o") + 1] = "-"
     command[command.index("-c")] = "-E"
-    output = subprocess.run(
+    return subprocess.run(
         command, cwd=entry["directory"], check=True, stdout=subprocess.PIPE
     ).stdout
-    return hashlib.sha256((ROOT / ".clang-tidy").read_bytes() + output).hexdigest()
 
 
-def findings_in(path, entry):
-    stamp = CLEAN / fingerprint(entry)
+def findings_in(path, entries):
+    seen = hashlib.sha256((ROOT / ".clang-tidy").read_bytes())
+    for entry in entries:
+        seen.update(preprocessed(entry))
+    stamp = CLEAN / seen.hexdigest()
     if stamp.exists():
         return ""
     result = subprocess.run(
