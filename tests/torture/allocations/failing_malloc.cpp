@@ -2,12 +2,14 @@
 #include "torture/allocations/failing_malloc.h"
 
 #include <execinfo.h>
+#include <link.h>
 
 #include <algorithm>
 #include <bitset>
 #include <cerrno>
 #include <cstdint>
 #include <cstdlib>
+#include <cstring>
 
 // What the C library's own functions of these names call.
 extern "C" {
@@ -40,14 +42,14 @@ bool mustFail() {
   return true;
 }
 
-constexpr int kFrames = 24;
+constexpr int kFrames = 12;
 constexpr std::size_t kEntries = std::size_t{1} << 16;
 
 /// A watched block. Nothing here may allocate: a table of fixed size, open addressing.
 struct Entry {
   void* block;  // null: free; kGone: was freed
   std::size_t size;
-  int frames;
+  int frames;  // 1: not traced
   void* stack[kFrames];
 };
 
@@ -60,10 +62,40 @@ struct Watch {
 };
 
 thread_local Watch watch{};
-// Sizes of the blocks to trace; the last stands for all above. Tracing every block would
-// take longer than all the rest.
+// Sizes of OpenSSL's blocks to trace; the last stands for all above. It allocates most of
+// what a call over TLS does: tracing all that would take longer than all the rest.
 std::bitset<4096> traced;
 Entry entries[kEntries];
+
+/// Where OpenSSL's two libraries lie.
+struct Range {
+  std::uintptr_t begin;
+  std::uintptr_t end;
+};
+Range openSsl[2];
+
+int noteOpenSsl(dl_phdr_info* info, std::size_t, void*) {
+  const bool isCrypto = std::strstr(info->dlpi_name, "/libcrypto.so") != nullptr;
+  if (!isCrypto && std::strstr(info->dlpi_name, "/libssl.so") == nullptr) return 0;
+  Range range{UINTPTR_MAX, 0};
+  for (int i = 0; i < info->dlpi_phnum; ++i) {
+    const auto& part = info->dlpi_phdr[i];
+    if (part.p_type != PT_LOAD) continue;
+    const std::uintptr_t begin = info->dlpi_addr + part.p_vaddr;
+    range.begin = std::min(range.begin, begin);
+    range.end = std::max(range.end, begin + part.p_memsz);
+  }
+  openSsl[isCrypto ? 0 : 1] = range;
+  return 0;
+}
+
+bool isOfOpenSsl(const void* caller) {
+  const auto address = reinterpret_cast<std::uintptr_t>(caller);
+  for (const Range& range : openSsl) {
+    if (range.begin <= address && address < range.end) return true;
+  }
+  return false;
+}
 
 std::size_t kindOf(std::size_t size) { return std::min(size, traced.size() - 1); }
 
@@ -83,7 +115,7 @@ void remove(const void* block) {
   }
 }
 
-void add(void* block, std::size_t size) {
+void add(void* block, std::size_t size, void* caller) {
   if (!watch.active || !watch.watchesNew || watch.busy || block == nullptr) return;
   remove(block);  // another thread may have freed a block that lay here
   std::size_t place = firstPlaceOf(block);
@@ -93,8 +125,9 @@ void add(void* block, std::size_t size) {
   Entry& entry = entries[place];
   entry.block = block;
   entry.size = size;
-  entry.frames = 0;
-  if (!traced[kindOf(size)]) return;
+  entry.frames = 1;
+  entry.stack[0] = caller;
+  if (isOfOpenSsl(caller) && !traced[kindOf(size)]) return;
   watch.busy = true;
   entry.frames = ::backtrace(entry.stack, kFrames);
   watch.busy = false;
@@ -113,6 +146,7 @@ std::size_t FailingMalloc::calls() const { return plan.calls; }
 std::size_t FailingMalloc::failures() const { return plan.failures; }
 
 WatchedBlocks::WatchedBlocks(const std::vector<Block>& likeThese) {
+  ::dl_iterate_phdr(noteOpenSsl, nullptr);
   for (Entry& entry : entries) entry.block = nullptr;
   traced.reset();
   for (const Block& block : likeThese) traced.set(kindOf(block.size));
@@ -129,7 +163,8 @@ std::vector<Block> WatchedBlocks::stop() {
   watch.active = false;
   for (const Entry& entry : entries) {
     if (entry.block == nullptr || entry.block == kGone) continue;
-    left.push_back({entry.size, {entry.stack, entry.stack + entry.frames}});
+    left.push_back(
+        {entry.size, {entry.stack, entry.stack + entry.frames}, entry.frames > 1});
   }
   return left;
 }
@@ -144,14 +179,14 @@ extern "C" {
 void* malloc(std::size_t size) noexcept {
   if (mustFail()) return nullptr;
   void* block = __libc_malloc(size);
-  add(block, size);
+  add(block, size, __builtin_return_address(0));
   return block;
 }
 
 void* calloc(std::size_t count, std::size_t size) noexcept {
   if (mustFail()) return nullptr;
   void* block = __libc_calloc(count, size);
-  add(block, count * size);
+  add(block, count * size, __builtin_return_address(0));
   return block;
 }
 
@@ -159,14 +194,14 @@ void* realloc(void* block, std::size_t size) noexcept {
   if (mustFail()) return nullptr;
   void* moved = __libc_realloc(block, size);
   if (moved != nullptr || size == 0) orb::torture::remove(block);
-  add(moved, size);
+  add(moved, size, __builtin_return_address(0));
   return moved;
 }
 
 void* memalign(std::size_t alignment, std::size_t size) noexcept {
   if (mustFail()) return nullptr;
   void* block = __libc_memalign(alignment, size);
-  add(block, size);
+  add(block, size, __builtin_return_address(0));
   return block;
 }
 

@@ -26,13 +26,15 @@ class FailingMalloc {
 
 struct Block {
   std::size_t size;
-  std::vector<void*> stack;  // of the allocation, innermost first; empty unless traced
+  std::vector<void*> stack;  // of the allocation, innermost first
+  bool isTraced;             // or the stack is its first frame only
 };
 
 /// While one lives, what its thread allocates is watched; at most one lives.
 class WatchedBlocks {
  public:
-  /// Blocks of the sizes of these are traced.
+  /// Of the blocks that OpenSSL allocates, those of the sizes of these are traced; all
+  /// others always are.
   explicit WatchedBlocks(const std::vector<Block>& likeThese);
   ~WatchedBlocks() { stop(); }
   WatchedBlocks(const WatchedBlocks&) = delete;

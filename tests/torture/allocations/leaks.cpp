@@ -64,9 +64,9 @@ bool isOfMessages(const std::string& function) {
 
 void Leaks::add(const std::vector<Block>& blocks, const std::string& where) {
   for (const Block& block : blocks) {
-    std::string key = "not repeated";
+    std::string key = "?";
     std::string stack;
-    bool isOurs = false;
+    bool isOurs = true;  // unless somebody else's frame is found
     bool isFound = false;
     for (void* address : block.stack) {
       auto& names = names_[address];

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "torture/allocations/trial.h"
 
+#include <algorithm>
 #include <exception>
 
 #include "torture/allocations/failing_malloc.h"
@@ -68,7 +69,7 @@ void observe(const Scenario& scenario, Failing failing, Observation& seen) {
   seen.stateAgain = situation->state();
 }
 
-/// One run and what it left behind, traced where it is like something in `traced`.
+/// One run and what it left behind, with stacks where it is like something in `traced`.
 Observation run(const Scenario& scenario, Failing failing,
                 const std::vector<Block>& traced, std::vector<Block>& left) {
   Observation seen;
@@ -76,6 +77,23 @@ Observation run(const Scenario& scenario, Failing failing,
   observe(scenario, failing, seen);
   left = watched.stop();
   return seen;
+}
+
+/// Runs again for the stacks of blocks that have none. One that is not left again, because
+/// it is made once in a process, keeps the frame that it has.
+void trace(const Scenario& scenario, Failing failing, std::vector<Block>& left) {
+  const auto isTraced = [](const Block& block) { return block.isTraced; };
+  if (std::all_of(left.begin(), left.end(), isTraced)) return;
+  std::vector<Block> again;
+  run(scenario, failing, left, again);
+  for (Block& block : left) {
+    const auto same = std::find_if(again.begin(), again.end(), [&](const Block& other) {
+      return other.isTraced && other.size == block.size;
+    });
+    if (block.isTraced || same == again.end()) continue;
+    block = *same;
+    again.erase(same);
+  }
 }
 
 bool isReported(const std::string& outcome) {
@@ -157,7 +175,7 @@ void tryScenario(const Scenario& scenario, Tally& tally, Leaks& leaks,
     report("nothing failing: gives " + whole.outcome);
   }
   if (!left.empty()) {
-    run(scenario, {0, false}, left, left);
+    trace(scenario, {0, false}, left);
     leaks.add(left, scenario.name() + ", nothing failing");
   }
   tally.functions.insert(scenario.function);
@@ -171,7 +189,7 @@ void tryScenario(const Scenario& scenario, Tally& tally, Leaks& leaks,
       const std::string objection = judge(scenario, keptBefore, whole, seen, tally);
       if (!objection.empty()) report(failing.describe() + ": " + objection);
       if (left.empty()) continue;
-      run(scenario, failing, left, left);
+      trace(scenario, failing, left);
       leaks.add(left, scenario.name() + ", " + failing.describe());
     }
   }
