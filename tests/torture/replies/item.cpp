@@ -15,7 +15,7 @@ struct Entry {
   std::size_t place;
 };
 
-/// Heads differ little: every bit of a few replies as a whole, and of the others' bodies.
+/// Heads differ little: those of a few replies come before the others.
 bool isFlippedWhole(const Answer& answer) {
   for (const char* name : {"double", "three outputs", "error", "404 Not Found"}) {
     if (answer.name == name) return true;
@@ -25,6 +25,7 @@ bool isFlippedWhole(const Answer& answer) {
 
 std::vector<Entry> makeEntries() {
   std::vector<Entry> entries;
+  std::vector<Entry> last;
   for (std::size_t i = 0; i < fixedAnswers().size(); ++i) {
     const Answer& answer = fixedAnswers()[i];
     for (const Framing framing : kFramings) {
@@ -40,11 +41,13 @@ std::vector<Entry> makeEntries() {
       }
       for (std::size_t bit = 0; bit < 8 * reply.bytes.size(); ++bit) {
         const bool isHead = bit < 8 * reply.head;
-        if (!(isHead ? flipsHead : flipsBody)) continue;
-        entries.push_back({i, framing, Road::kFirst, Damage::kFlipped, bit});
+        const bool isSoon = isHead ? flipsHead : flipsBody;
+        (isSoon ? entries : last)
+            .push_back({i, framing, Road::kFirst, Damage::kFlipped, bit});
       }
     }
   }
+  entries.insert(entries.end(), last.begin(), last.end());
   return entries;
 }
 

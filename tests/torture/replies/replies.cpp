@@ -17,7 +17,7 @@ namespace orb::torture {
 namespace {
 
 constexpr std::size_t kThreads = 2;
-// A round of the fixed answers, and a few random ones.
+// The fixed answers but for flips in most heads, and a few random ones.
 constexpr std::uint64_t kCommitReplies = 34000;
 // So many items bring every kind of outcome about.
 constexpr std::uint64_t kEnoughForAll = 20000;
