@@ -202,14 +202,14 @@ typedef struct orbErrorInfo {
        */
       const char* responseMessage;
     } http;
-    /** For ORB_KALDEX_ERROR. */
+    /** For ORB_KALDEX_ERROR. The server's formatted report is not handed out. */
     struct {
       /** "" when the server sent none, as `identifier`. */
       const char* message;
       const char* identifier;
       /**
-       * The stackDepth frames in the order sent. Null when there are none, and when there
-       * was no memory for them: test before use.
+       * The stackDepth frames in the order sent, which is the server's choice. Null when
+       * there are none, and when there was no memory for them: test before use.
        */
       orbStackFrame* stack;
       uint64_t stackDepth;
