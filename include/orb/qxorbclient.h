@@ -24,7 +24,7 @@
  * pointer such as orbGetPr() gives addresses only as many elements as there are: those
  * that the server sent; of two handles of one char or 16-bit array of which one was
  * resized, those that the other had; after a resize that failed, those from before it; of
- * a sparse array, orbGetNzmax() stored values.
+ * a sparse array, orbGetNzmax() stored values, of which a server may have sent fewer too.
  *
  * @par Classes
  * The class of an array never changes. A sparse array has the class of its values, double
@@ -585,10 +585,12 @@ ORB_API orbClassID orbGetClassID(const orbArray a);
 ORB_API const char* orbGetClassName(const orbArray a);
 
 /**
- * @return Whether the array was created complex, received with an imaginary part, or
- *         copied from an array that had one. Resizing does not change it: a complex array
- *         resized to no elements stays complex, though no imaginary values are stored in
- *         it or sent from then on.
+ * @return Whether the array is complex, as the handle found it when it was made: as it
+ *         was asked for, where the array was created; else, for a copy, an element of a
+ *         struct or cell and what was received, whether an imaginary part is stored.
+ *         Resizing does not change it: a complex array resized to no elements stays
+ *         complex for the handle, though no imaginary values are stored in it or sent
+ *         from then on.
  */
 ORB_API bool orbIsComplex(const orbArray a);
 

@@ -218,5 +218,23 @@ TEST(IsComplex, StaysTrueWhenResizedToNoElementsButACopyIsReal) {
   EXPECT_FALSE(orbIsComplex(Array(orbDuplicateArray(a))));
 }
 
+TEST(IsComplex, OfAnElementSaysWhetherAnImaginaryPartIsStored) {
+  Array emptied(orbCreateDoubleMatrix(2, 2, orbCOMPLEX));
+  orbSetM(emptied, 0);
+  EXPECT_TRUE(orbIsComplex(emptied));
+  Array storesNone(orbCreateSparse(3, 3, 0, orbCOMPLEX));
+  EXPECT_TRUE(orbIsComplex(storesNone));
+  Array withoutElements(orbCreateSparse(0, 3, 2, orbCOMPLEX));
+  EXPECT_FALSE(orbIsComplex(withoutElements));
+
+  const auto isComplexAsElement = [](Array array) {
+    const Array parent = cellRow(std::move(array));
+    return orbIsComplex(Array(orbGetCell(parent, 0)));
+  };
+  EXPECT_FALSE(isComplexAsElement(std::move(emptied)));
+  EXPECT_FALSE(isComplexAsElement(std::move(storesNone)));
+  EXPECT_TRUE(isComplexAsElement(std::move(withoutElements)));
+}
+
 }  // namespace
 }  // namespace orb::test
