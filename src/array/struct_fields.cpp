@@ -15,7 +15,7 @@ namespace orb {
 namespace {
 
 // The fresh message still reads as UINT8 when it is resized: the values of an added field
-// carry an empty payload of that type on the wire, which servers know them by.
+// carry an empty payload of that type on the wire.
 SharedMessage addedFieldValue() {
   SharedMessage value = boost::make_shared<KALDEX_Array>();
   ProtoExtensionResizer resizer(*value, 0);
