@@ -109,7 +109,8 @@
  * libcurl honours the environment at every call: with `http_proxy` set, for TLS
  * `https_proxy`, for either `all_proxy`, calls go through that proxy, also those to this
  * machine, unless `no_proxy` lists the host; all but the first count in capitals too.
- * With `SSLKEYLOGFILE` set, libcurl appends the secrets of TLS connections to that file.
+ * With `SSLKEYLOGFILE` set at initialisation, libcurl appends the secrets of TLS
+ * connections to that file.
  *
  * Calls of a context share its connections, which are kept open. Over TLS, each new
  * connection makes the whole handshake: sessions are not resumed.
@@ -128,6 +129,7 @@
 #define ORB_ENUM(name, type) enum name : type
 extern "C" {
 #else
+/* As wide as in C++; of an enumeration without -1 the compiler may choose the sign. */
 #define ORB_ENUM(name, type) enum name
 #endif
 
@@ -277,8 +279,8 @@ typedef struct orbClientRuntime {
   uint64_t (*getTimeoutSec)(orbClientConfig* config);
 
   /**
-   * The largest reply accepted, in bytes. A reply whose Content-Length line announces
-   * more fails the call before any of it is kept; of all header lines in which
+   * The largest reply accepted, in bytes. A reply with a body whose Content-Length line
+   * announces more fails the call before any of it is kept; of all header lines in which
    * "Content-Length" stands anywhere, the last counts. A reply that announces nothing, or
    * in other letters (content-length), is received whole and read up to the limit: the
    * call may then succeed with an array that holds fewer elements than its dimensions
@@ -343,8 +345,9 @@ typedef struct orbClientRuntime {
    * line to stderr.
    *
    * @param url  Address of the function, given to libcurl as it is. libcurl takes out dot
-   *             segments and the fragment, takes a missing scheme for http, and sends a
-   *             user name and password as an Authorization line.
+   *             segments and the fragment, and sends a user name and password as an
+   *             Authorization line. A missing scheme is http, unless the host's name
+   *             begins with that of another, as in ftp.example.com.
    * @param nlhs  Number of outputs wanted.
    * @param lhs  Receives nlhs arrays, owned by the caller. Filled from the last to the
    *             first; a call that fails leaves the slots alone, with one exception: when

@@ -124,6 +124,11 @@ std::vector<Row> limits() {
        {send("HTTP/1.1 304 Not Modified\r\nContent-Length: 101\r\n\r\n")},
        httpError(304, "Not Modified\r\n"),
        limitedTo(100)},
+      {"SuccessAnnouncedAboveTheLimitWithoutBody",
+       {send("HTTP/1.1 200 OK\r\nContent-Length: 0\r\nX-Content-Length: 101\r\n\r\n")},
+       success(),
+       limitedTo(100),
+       0},
       {"AnnouncedAboveTheLimitInChunks",
        {send("HTTP/1.1 200 OK\r\nContent-Length: 101\r\nTransfer-Encoding: chunked\r\n"
              "\r\n2a\r\n" +

@@ -98,6 +98,29 @@ TEST_F(Libcurl, IsGivenEachTextByItself) {
                   "SSL_VERIFYHOST 2", "SSL_VERIFYPEER 1", "SSL_SESSIONID_CACHE 0"));
 }
 
+TEST_F(Libcurl, IsNotGivenATextThatWasSetToNothing) {
+  using Setter = void (*)(orbClientConfig*, const char*);
+  const Setter setters[] = {table_.setClientCertFile, table_.setClientPrivateKeyFile,
+                            table_.setClientPrivateKeyPassword, table_.setServerCertFile,
+                            table_.setCRLFile};
+  for (const Setter set : setters) set(config_, "x");
+  std::vector<std::string> texts{"SSLCERT x", "SSLKEY x", "KEYPASSWD x", "CAINFO x",
+                                 "CRLFILE x"};
+  for (const Setter set : setters) {
+    set(config_, "");
+    texts.erase(texts.begin());
+    std::vector<std::string> options{"HTTP_VERSION 2", "TIMEOUT 120"};
+    options.insert(options.end(), texts.begin(), texts.end());
+    options.insert(options.end(),
+                   {"SSL_VERIFYHOST 2", "SSL_VERIFYPEER 1", "SSL_SESSIONID_CACHE 0"});
+    libcurlSeam() = {};
+    ASSERT_EQ(createContext(), ORB_OK);
+    EXPECT_EQ(libcurlSeam().options, options);
+    table_.destroyContext(context_);
+    context_ = nullptr;
+  }
+}
+
 TEST_F(Libcurl, IsGivenUrlHeadersBodyAndCallbacksInEachCall) {
   ASSERT_EQ(createContext(), ORB_OK);
   std::vector<std::string> options;
