@@ -82,7 +82,8 @@ def main():
     runner = tasks.Runner(folder)
     for promise in promises:
         if promise.prepare:
-            runner.prepare(promise.prepare)
+            name = f"{promise.number}-{promise.prepare[0].stem}"
+            runner.prepare(name, promise.prepare, plan.COMMIT_LIMIT_SECONDS)
     start = time.monotonic()
     try:
         outcomes = run_all(runner, [task for some in work.values() for task in some])

@@ -112,15 +112,11 @@ class Runner:
         with self._lock:
             print(text, flush=True)
 
-    def prepare(self, command):
-        """Before the clock starts; what is wrong will be seen by the task."""
-        start = time.monotonic()
-        name = " ".join(map(str, command))
-        self.say(f"  before that, {name} (minutes the first time) ...")
-        subprocess.run(
-            command, stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, check=False
-        )
-        self.say(f"  {name}: {time.monotonic() - start:.0f} s")
+    def prepare(self, name, command, limit):
+        """Before the clock starts, minutes the first time; what is wrong will be seen by
+        the task."""
+        ready = Reached(0, "ready", [])
+        self.run(Task(f"{name}-beforehand", command, lambda *_: ready, limit=limit))
 
     def run(self, task):
         self.say(f"  {task.name} ...")
