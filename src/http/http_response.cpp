@@ -1,17 +1,23 @@
 // SPDX-License-Identifier: MIT
 #include "http/http_response.h"
 
+#include <curl/curl.h>
+
 #include <algorithm>
+#include <boost/algorithm/string/predicate.hpp>
 #include <boost/algorithm/string/trim.hpp>
 #include <boost/lexical_cast.hpp>
 #include <cstring>
+#include <locale>
 #include <new>
+#include <stdexcept>
 #include <utility>
 
 namespace orb {
 namespace {
 
 const char kContentLength[] = "Content-Length";
+const char kTransferEncoding[] = "Transfer-Encoding:";
 
 /// What follows the second space of a status line, line ending included.
 std::string reasonPhraseOf(const std::string& statusLine) {
@@ -33,6 +39,29 @@ uint64_t announcedLengthIn(const std::string& line) {
   return boost::lexical_cast<uint64_t>(value);
 }
 
+bool isPlain(std::string coding) {
+  const std::locale& c = std::locale::classic();
+  boost::algorithm::trim(coding, c);
+  return coding.empty() || boost::algorithm::iequals(coding, "chunked", c) ||
+         boost::algorithm::iequals(coding, "identity", c);
+}
+
+/// Whether the line announces a body in other than the two codings that leave the bytes
+/// what they are. libcurl undoes those that compress, unasked and in layers: a few bytes
+/// would come to any number of bytes, and keep it busy past the time-out.
+bool isEncoding(const std::string& line) {
+  if (!boost::algorithm::istarts_with(line, kTransferEncoding, std::locale::classic())) {
+    return false;
+  }
+  size_t start = sizeof kTransferEncoding - 1;
+  while (start <= line.size()) {
+    const size_t comma = std::min(line.find(',', start), line.size());
+    if (!isPlain(line.substr(start, comma - start))) return true;
+    start = comma + 1;
+  }
+  return false;
+}
+
 }  // namespace
 
 HttpResponse::HttpResponse(uint32_t sizeLimitBytes, boost::shared_ptr<ByteBlock> block)
@@ -42,9 +71,13 @@ HttpResponse::HttpResponse(uint32_t sizeLimitBytes, boost::shared_ptr<ByteBlock>
 
 bool HttpResponse::appendBody(const void* bytes, size_t length) {
   if (announcedLength_ > sizeLimitBytes_) return false;
-  if (length == 0) return true;
-  reserve(bodySize_ + length);
-  std::memcpy(block_->data() + bodySize_, bytes, length);
+  const size_t kept = keptSize();
+  // What lies behind the limit is never read.
+  const size_t more = std::min(length, sizeLimitBytes_ - kept);
+  if (more != 0) {
+    reserve(kept + more);
+    std::memcpy(block_->data() + kept, bytes, more);
+  }
   bodySize_ += length;
   return true;
 }
@@ -54,6 +87,13 @@ void HttpResponse::addHeader(const std::string& line) {
   if (line.find(kContentLength) != std::string::npos) {
     announcedLength_ = announcedLengthIn(line);
   }
+  if (isEncoding(line)) {
+    throw std::runtime_error(curl_easy_strerror(CURLE_BAD_CONTENT_ENCODING));
+  }
+}
+
+size_t HttpResponse::keptSize() const {
+  return std::min(bodySize_, uint64_t{sizeLimitBytes_});
 }
 
 // The announced length, at most the limit here, is taken at once, and not trusted

@@ -12,14 +12,15 @@
 namespace orb {
 
 /// Collects status, headers and body as they arrive. The body is refused when its
-/// announced length exceeds the limit; what arrives unannounced is kept whole.
+/// announced length exceeds the limit; of what arrives unannounced, all is counted, and
+/// kept up to the limit.
 class HttpResponse : public Response {
  public:
   /// Collects the body in the block, which it holds as long as it lives. Throws
   /// std::bad_alloc.
   explicit HttpResponse(uint32_t sizeLimitBytes, boost::shared_ptr<ByteBlock> block =
                                                      boost::make_shared<ByteBlock>());
-  ~HttpResponse() override { block_->trim(bodySize_); }
+  ~HttpResponse() override { block_->trim(keptSize()); }
 
   const uint8_t* getBody() const override { return block_->data(); }
   uint64_t getBodySize() const override { return bodySize_; }
@@ -30,10 +31,12 @@ class HttpResponse : public Response {
   /// False when the body is refused. Throws std::bad_alloc.
   bool appendBody(const void* bytes, size_t length);
   /// Takes one header line with its line ending; the first one is the status line. Throws
-  /// boost::bad_lexical_cast for a length that is no number.
+  /// boost::bad_lexical_cast for a length that is no number, and std::runtime_error for a
+  /// body that libcurl would decompress.
   void addHeader(const std::string& line);
 
  private:
+  size_t keptSize() const;
   void reserve(size_t size);
 
   uint32_t statusCode_ = 0;

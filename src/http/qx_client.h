@@ -16,7 +16,8 @@ namespace orb {
 /// The server's answer to one request.
 class Response : boost::noncopyable {
  public:
-  /// The bytes of the body, getBodySize() of them; the response owns them.
+  /// The bytes of the body, of the getBodySize() that came those up to the response size
+  /// limit; the response owns them.
   virtual const uint8_t* getBody() const = 0;
   virtual uint64_t getBodySize() const = 0;
   virtual uint32_t getStatusCode() const = 0;

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 // How a reply's body is cut out of the connection, and connections that break.
+#include <boost/crc.hpp>
+
 #include "client/transport/matrix.h"
 
 namespace orb::test {
@@ -10,6 +12,7 @@ using std::chrono::milliseconds;
 constexpr const char* kNothing = "Server returned nothing (no headers, no data)";
 constexpr const char* kReceiving = "Failure when receiving data from the peer";
 constexpr const char* kPartial = "Transferred a partial file";
+constexpr const char* kEncoding = "Unrecognized or bad HTTP Content or Transfer-Encoding";
 
 /// A row that succeeds on a reused connection: libcurl sends a request again when a
 /// connection that it had used before ends without a whole status line, and the server then
@@ -36,6 +39,22 @@ std::string chunk(const std::string& bytes) {
     size.insert(size.begin(), "0123456789abcdef"[rest % 16]);
   }
   return size + "\r\n" + bytes + "\r\n";
+}
+
+std::string littleEndian(std::uint32_t value, int bytes) {
+  std::string text;
+  for (; bytes != 0; --bytes, value >>= 8) text += static_cast<char>(value & 0xFF);
+  return text;
+}
+
+/// At most 65535 bytes as gzip has them, not made smaller.
+std::string gzipped(const std::string& bytes) {
+  boost::crc_32_type sum;
+  sum.process_bytes(bytes.data(), bytes.size());
+  const auto size = static_cast<std::uint32_t>(bytes.size());
+  return std::string("\x1F\x8B\x08\0\0\0\0\0\0\x03\x01", 11) + littleEndian(size, 2) +
+         littleEndian(~size, 2) + bytes + littleEndian(sum.checksum(), 4) +
+         littleEndian(size, 4);
 }
 
 Script then(Script script, Step last) {
@@ -74,9 +93,19 @@ std::vector<Row> framings() {
        success()},
       {"UntilTheEndOfWriting", then(replyWith("\r\n" + body), shutDownWriting()),
        success()},
+      {"IdentityTransferEncoding",
+       then(replyWith("Transfer-Encoding: identity\r\n\r\n" + body), close()), success()},
       {"UnknownTransferEncoding",
        then(replyWith("Transfer-Encoding: other\r\n\r\n" + body), close()),
-       genericError("Unrecognized or bad HTTP Content or Transfer-Encoding")},
+       genericError(kEncoding)},
+      // What was not asked for, and would grow without end.
+      {"GzipTransferEncoding",
+       then(replyWith("Transfer-Encoding: gzip\r\n\r\n" + gzipped(body)), close()),
+       genericError(kEncoding)},
+      {"GzipTransferEncodingTwiceInChunks",
+       replyWith("Transfer-Encoding: gzip, gzip, chunked\r\n\r\n" +
+                 chunk(gzipped(gzipped(body))) + "0\r\n\r\n"),
+       genericError(kEncoding)},
       {"GzipLabelOnPlainBytes",
        replyWith("Content-Encoding: gzip\r\nContent-Length: " + length + "\r\n\r\n" +
                  body),

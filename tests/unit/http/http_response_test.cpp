@@ -3,8 +3,10 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <boost/lexical_cast.hpp>
 #include <new>
+#include <stdexcept>
 #include <type_traits>
 
 #include "unit/http/failing_realloc.h"
@@ -20,6 +22,12 @@ constexpr uint32_t kHighestLimit = 4294967295;
 std::string bodyOf(const HttpResponse& response) {
   return std::string(reinterpret_cast<const char*>(response.getBody()),
                      response.getBodySize());
+}
+
+/// The bytes of a body that came under a limit.
+std::string keptOf(const HttpResponse& response, size_t limit) {
+  return std::string(reinterpret_cast<const char*>(response.getBody()),
+                     std::min(response.getBodySize(), uint64_t{limit}));
 }
 
 std::string reasonPhraseAfter(const std::string& statusLine) {
@@ -179,6 +187,46 @@ INSTANTIATE_TEST_SUITE_P(
                       "Content-Length: 1 Content-Length: 2\r\n",
                       "X-Content-Length: abc\r\n"));
 
+class AddPlainTransferEncoding : public ::testing::TestWithParam<std::string> {};
+
+TEST_P(AddPlainTransferEncoding, IsTaken) {
+  HttpResponse response(100);
+  response.addHeader(GetParam());
+  EXPECT_TRUE(response.appendBody("x", 1));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Lines, AddPlainTransferEncoding,
+    ::testing::Values("Transfer-Encoding: chunked\r\n", "transfer-encoding:CHUNKED\r\n",
+                      "TRANSFER-ENCODING: Identity\r\n", "Transfer-Encoding:",
+                      "Transfer-Encoding: \t\r\n", "Transfer-Encoding: ,, chunked ,\r\n",
+                      "Transfer-Encoding: identity\t,chunked\n",
+                      // Lines that mean something else, or nothing, to libcurl.
+                      "X-Transfer-Encoding: gzip\r\n", "Transfer-Encoding : gzip\r\n",
+                      " Transfer-Encoding: gzip\r\n", "Content-Encoding: gzip\r\n",
+                      "TE: gzip\r\n", "Transfer-Encoding\r\n"));
+
+class AddOtherTransferEncoding : public ::testing::TestWithParam<std::string> {};
+
+TEST_P(AddOtherTransferEncoding, Throws) {
+  HttpResponse response(100);
+  EXPECT_THAT([&] { response.addHeader(GetParam()); },
+              ThrowsMessage<std::runtime_error>(
+                  "Unrecognized or bad HTTP Content or Transfer-Encoding"));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Lines, AddOtherTransferEncoding,
+    ::testing::Values(
+        "Transfer-Encoding: gzip\r\n", "transfer-encoding:GZIP",
+        "TRANSFER-ENCODING:x-gzip\r\n", "Transfer-Encoding: deflate\n",
+        "Transfer-Encoding: br\r\n", "Transfer-Encoding: zstd\r\n",
+        "Transfer-Encoding: gzip, chunked\r\n", "Transfer-Encoding: chunked, gzip\r\n",
+        "Transfer-Encoding: chunked,,\tgzip,chunked\r\n",
+        "Transfer-Encoding: gzip gzip\r\n", "Transfer-Encoding: chunked gzip\r\n",
+        "Transfer-Encoding: chunked;a=b\r\n", "Transfer-Encoding: other\r\n",
+        std::string("Transfer-Encoding: gzip\0a\r\n", 27)));
+
 struct Announced {
   std::string length;
   bool accepted;
@@ -186,7 +234,8 @@ struct Announced {
 
 class AppendBody : public ::testing::TestWithParam<Announced> {};
 
-// The announced length alone decides, not the bytes that come.
+// The announced length alone decides, not the bytes that come. Those behind the limit are
+// counted only.
 TEST_P(AppendBody, JudgesTheAnnouncedLengthAgainstTheLimit) {
   HttpResponse response(100);
   response.addHeader("HTTP/1.1 200 OK\r\n");
@@ -194,7 +243,8 @@ TEST_P(AppendBody, JudgesTheAnnouncedLengthAgainstTheLimit) {
   const std::string body(150, 'x');
   EXPECT_EQ(response.appendBody("", 0), GetParam().accepted);
   EXPECT_EQ(response.appendBody(body.data(), body.size()), GetParam().accepted);
-  EXPECT_EQ(bodyOf(response), GetParam().accepted ? body : "");
+  EXPECT_EQ(response.getBodySize(), GetParam().accepted ? 150u : 0u);
+  EXPECT_EQ(keptOf(response, 100), GetParam().accepted ? body.substr(50) : "");
 }
 
 INSTANTIATE_TEST_SUITE_P(Lengths, AppendBody,
@@ -202,10 +252,17 @@ INSTANTIATE_TEST_SUITE_P(Lengths, AppendBody,
                                            Announced{"100", true},
                                            Announced{"101", false}));
 
-TEST(AppendBody, NeverRefusesAnUnannouncedBody) {
-  HttpResponse response(0);
-  EXPECT_TRUE(response.appendBody("abc", 3));
-  EXPECT_EQ(bodyOf(response), "abc");
+TEST(AppendBody, NeverRefusesAnUnannouncedBodyAndKeepsItUpToTheLimit) {
+  for (uint32_t limit = 0; limit < 8; ++limit) {
+    HttpResponse response(limit);
+    WatchedRealloc watched;
+    EXPECT_TRUE(response.appendBody("abc", 3));
+    EXPECT_TRUE(response.appendBody("", 0));
+    EXPECT_TRUE(response.appendBody("def", 3));
+    EXPECT_EQ(response.getBodySize(), 6u);
+    EXPECT_EQ(keptOf(response, limit), std::string("abcdef").substr(0, limit));
+    for (const size_t size : watched.sizes) EXPECT_LE(size, limit);
+  }
 }
 
 TEST(AppendBody, ReadsNoBytesOfLengthZero) {
@@ -215,7 +272,7 @@ TEST(AppendBody, ReadsNoBytesOfLengthZero) {
 }
 
 TEST(AppendBody, JoinsChunksByteForByte) {
-  HttpResponse response(0);
+  HttpResponse response(kHighestLimit);
   std::string body;
   for (char c = 0; c < 100; ++c) {
     const std::string chunk(static_cast<size_t>(c), c);
@@ -226,7 +283,7 @@ TEST(AppendBody, JoinsChunksByteForByte) {
 }
 
 TEST(AppendBody, TakesTheAnnouncedLengthAtOnce) {
-  HttpResponse response(100);
+  HttpResponse response(kHighestLimit);
   response.addHeader("HTTP/1.1 200 OK\r\n");
   response.addHeader("Content-Length: 100\r\n");
   WatchedRealloc watched;
@@ -237,7 +294,7 @@ TEST(AppendBody, TakesTheAnnouncedLengthAtOnce) {
 }
 
 TEST(AppendBody, GrowsAnUnannouncedBodyByHalf) {
-  HttpResponse response(0);
+  HttpResponse response(kHighestLimit);
   const std::string chunk(16384, 'x');
   WatchedRealloc watched;
   for (int i = 0; i < 1000; ++i) response.appendBody(chunk.data(), chunk.size());
@@ -246,7 +303,7 @@ TEST(AppendBody, GrowsAnUnannouncedBodyByHalf) {
 }
 
 TEST(AppendBody, GrowsTheBlockAtMostOnceAChunk) {
-  HttpResponse response(0);
+  HttpResponse response(kHighestLimit);
   WatchedRealloc watched;
   response.appendBody("abc", 3);
   response.appendBody("", 0);
@@ -268,7 +325,7 @@ TEST(AppendBody, TakesWhatHasComeWhereTheAnnouncedLengthDoesNotFit) {
 }
 
 TEST(AppendBody, KeepsWhatItHasWhenTheBlockCannotGrow) {
-  HttpResponse response(0);
+  HttpResponse response(kHighestLimit);
   response.appendBody("abc", 3);
   {
     WatchedRealloc watched;

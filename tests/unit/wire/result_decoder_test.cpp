@@ -274,5 +274,20 @@ TEST(ReadOutputs, LeavesAlone) {
   EXPECT_TRUE(taken("", 0, 0)) << "nothing wanted, nothing sent";
 }
 
+// Of a body above the limit, what lies behind it is not kept.
+TEST(ParseResult, ReadsNothingBehindTheLimit) {
+  RandomArrays random(12);
+  const client::KALDEX_Result sent = randomResult(random, 20, false);
+  const std::string body = sent.SerializeAsString();
+  for (size_t limit = 0; limit < body.size(); ++limit) {
+    // Of this very size, so that AddressSanitizer sees a byte too many.
+    const std::unique_ptr<uint8_t[]> kept(new uint8_t[limit]);
+    std::copy_n(body.begin(), limit, kept.get());
+    client::KALDEX_Result result;
+    parseResult({kept.get(), body.size()}, static_cast<uint32_t>(limit), result);
+    EXPECT_LE(result.lhs_size(), sent.lhs_size());
+  }
+}
+
 }  // namespace
 }  // namespace orb::test
