@@ -27,6 +27,7 @@ void ErrorState::recordHttpError(uint32_t status,
   summary_ = "A non-200 HTTP response was received";
   httpStatus_ = status;
   httpResponseMessage_ = std::move(responseMessage);
+  releaseServerError();
 }
 
 void ErrorState::recordServerError(client::KALDEX_Error& error) noexcept {
@@ -40,6 +41,7 @@ void ErrorState::recordGenericError(const std::exception& failure) noexcept {
   summary_ = "A generic error was thrown";
   genericFailure_ = std::current_exception();
   genericMessage_ = failure.what();
+  releaseServerError();
 }
 
 void ErrorState::describe(orbErrorInfo& info) const noexcept {

@@ -12,7 +12,8 @@
 namespace orb {
 
 /// The last failure of a context. Each kind of failure overwrites the kind, the summary
-/// and its own fields; those of the other kinds keep what they had. Recording allocates
+/// and its own fields. The server's error, which may be as large as a reply, is released
+/// when another kind follows; the other fields keep what they had. Recording allocates
 /// nothing, so it works when memory has ended.
 class ErrorState {
  public:
@@ -26,6 +27,8 @@ class ErrorState {
   void describe(orbErrorInfo& info) const noexcept;
 
  private:
+  void releaseServerError() noexcept { client::KALDEX_Error().Swap(&serverError_); }
+
   orbErrorType type_ = ORB_HTTP_ERROR;
   const char* summary_ = "";
   std::exception_ptr genericFailure_;  // keeps the text below alive

@@ -14,6 +14,7 @@ struct Plan {
   size_t leastBytes;
   size_t calls;
   bool hasFailed;
+  size_t releases;
 };
 
 thread_local Plan plan{};
@@ -37,13 +38,20 @@ void* allocateOrThrow(size_t size) {
   return memory;
 }
 
+void release(void* memory) noexcept {
+  if (memory != nullptr) ++plan.releases;
+  std::free(memory);
+}
+
 }  // namespace
 
 FailingNew::FailingNew(size_t nth, bool andLater, size_t leastBytes) {
-  plan = {true, nth, andLater, leastBytes, 0, false};
+  plan = {true, nth, andLater, leastBytes, 0, false, 0};
 }
 
 size_t FailingNew::calls() const { return plan.calls; }
+
+size_t FailingNew::releases() const { return plan.releases; }
 
 bool FailingNew::stop() {
   plan.active = false;
@@ -54,6 +62,7 @@ bool FailingNew::stop() {
 
 using orb::test::allocate;
 using orb::test::allocateOrThrow;
+using orb::test::release;
 
 void* operator new(size_t size) { return allocateOrThrow(size); }
 void* operator new[](size_t size) { return allocateOrThrow(size); }
@@ -61,7 +70,7 @@ void* operator new(size_t size, const std::nothrow_t&) noexcept { return allocat
 void* operator new[](size_t size, const std::nothrow_t&) noexcept {
   return allocate(size);
 }
-void operator delete(void* memory) noexcept { std::free(memory); }
-void operator delete[](void* memory) noexcept { std::free(memory); }
-void operator delete(void* memory, size_t) noexcept { std::free(memory); }
-void operator delete[](void* memory, size_t) noexcept { std::free(memory); }
+void operator delete(void* memory) noexcept { release(memory); }
+void operator delete[](void* memory) noexcept { release(memory); }
+void operator delete(void* memory, size_t) noexcept { release(memory); }
+void operator delete[](void* memory, size_t) noexcept { release(memory); }

@@ -27,6 +27,8 @@ class FailingNew {
 
   /// The calls on this thread so far, those that it lets succeed included.
   size_t calls() const;
+  /// The blocks that this thread has released since.
+  size_t releases() const;
   /// Lets all calls succeed again, and tells whether any has failed.
   bool stop();
 
