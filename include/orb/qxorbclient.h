@@ -54,6 +54,11 @@
  * extents with old values. So after orbAddField(), orbRemoveField() or a resize store an
  * element again before anything else is done with its parent.
  *
+ * Each access to an element goes through all extents of its parent and, of a struct, its
+ * field names, and a handle to an element copies what lies inside that. A server may send
+ * very many extents, names and levels: before reading in a loop what is not known to be
+ * sound, ask for orbGetNumberOfDimensions() and orbGetNumberOfFields().
+ *
  * @par Depth
  * A reply may nest cells and structs 49 deep; what lies deeper is not read, and the call
  * may succeed with what was read before it. A program may build deeper arrays: 1,000
@@ -282,11 +287,11 @@ typedef struct orbClientRuntime {
    * The largest reply accepted, in bytes. A reply with a body whose Content-Length line
    * announces more fails the call before any of it is kept; of all header lines in which
    * "Content-Length" stands anywhere, the last counts. A reply that announces nothing, or
-   * in other letters (content-length), is received whole and read up to the limit: the
-   * call may then succeed with an array that holds fewer elements than its dimensions
-   * say, or, when no outputs were wanted, although the function raised an error. A limit
-   * above 2147483647 lets nothing be read: every reply is then one without outputs and
-   * without an error.
+   * in other letters (content-length), is received whole, and kept and read up to the
+   * limit: the call may then succeed with an array that holds fewer elements than its
+   * dimensions say, or, when no outputs were wanted, although the function raised an
+   * error. A limit above 2147483647 lets nothing be read: every reply is then one without
+   * outputs and without an error.
    */
   void (*setResponseSizeLimit)(orbClientConfig* config, uint32_t limitBytes);
   uint32_t (*getResponseSizeLimit)(orbClientConfig* config);
@@ -295,7 +300,8 @@ typedef struct orbClientRuntime {
    * Makes a context from a copy of a configuration, which may be changed or destroyed
    * afterwards without effect on the context. A context keeps its connections alive
    * between calls, and the memory of its last request and reply for the next, each up to
-   * 64 MiB; it gives back what is far larger than a call needed.
+   * 64 MiB; it gives back what is far larger than a call needed. An error that a function
+   * raised is kept, however large, until the next call that fails.
    *
    * @param out  Receives the context, owned by the caller: release it with
    *             destroyContext(). It is written before the context is complete: after
@@ -330,11 +336,11 @@ typedef struct orbClientRuntime {
    *
    * The call fails, with the reason in getLastErrorInfo(), for a status other than 200;
    * for an error that the function raised; and, as a generic error, for a transport
-   * failure, a null URL, a reply announced larger than the response size limit or with a
-   * length that is no number, a request or reply above 2147483647 bytes, a number of
-   * outputs other than nlhs, an output of a type that a client cannot hold
-   * ("dispatch_on_QXType"), and memory running out. A context goes on working after every
-   * failure.
+   * failure, a null URL, a reply announced larger than the response size limit, with a
+   * length that is no number, or in a Transfer-Encoding that is neither chunked nor
+   * identity, a request or reply above 2147483647 bytes, a number of outputs other than
+   * nlhs, an output of a type that a client cannot hold ("dispatch_on_QXType"), and
+   * memory running out. A context goes on working after every failure.
    *
    * When a kept-alive connection ends before the first line of the reply is complete,
    * libcurl sends the POST again on a new one: a function may then run twice for one

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <boost/make_shared.hpp>
 #include <stdexcept>
+#include <string_view>
 #include <utility>
 
 #include "array/checked_cast.h"
@@ -54,7 +55,7 @@ void addName(google::protobuf::RepeatedPtrField<std::string>& names, const char*
 
 int fieldNumber(const KALDEX_Array::Struct& payload, const char* name) {
   const auto& names = payload.field_names();
-  const auto found = std::find(names.begin(), names.end(), name);
+  const auto found = std::find(names.begin(), names.end(), std::string_view(name));
   return found == names.end() ? -1 : static_cast<int>(found - names.begin());
 }
 
