@@ -53,11 +53,10 @@ bool isEncoding(const std::string& line) {
   if (!boost::algorithm::istarts_with(line, kTransferEncoding, std::locale::classic())) {
     return false;
   }
-  size_t start = sizeof kTransferEncoding - 1;
-  while (start <= line.size()) {
-    const size_t comma = std::min(line.find(',', start), line.size());
+  for (size_t start = sizeof kTransferEncoding - 1; start != 0;) {
+    const size_t comma = line.find(',', start);
     if (!isPlain(line.substr(start, comma - start))) return true;
-    start = comma + 1;
+    start = comma + 1;  // 0 behind the last coding
   }
   return false;
 }
